@@ -1,0 +1,38 @@
+#include "platform/MachineInfo.h"
+
+#include "platform/ProcessorIdentity.h"
+#include "platform/Replaceable.h"
+
+namespace platform {
+
+namespace {
+
+class RealMachine final : public MachineInfo
+{
+public:
+    bool is64Bit() const override { return isSystem64Bit(); }
+    QByteArray processorIdentity() const override { return readProcessorIdentity(); }
+};
+
+Replaceable<const MachineInfo> &machine()
+{
+    static const RealMachine real;
+    static Replaceable<const MachineInfo> holder(real);
+    return holder;
+}
+
+} // namespace
+
+MachineInfo::~MachineInfo() = default;
+
+const MachineInfo &MachineInfo::current()
+{
+    return machine().current();
+}
+
+void MachineInfo::replace(const MachineInfo *other)
+{
+    machine().replace(other);
+}
+
+} // namespace platform

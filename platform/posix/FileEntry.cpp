@@ -1,0 +1,49 @@
+#include "platform/FileEntry.h"
+
+#include <cerrno>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <QFile>
+
+namespace platform {
+
+EntryKind entryKind(const QString &path)
+{
+    struct stat entry
+    {
+    };
+    if (lstat(QFile::encodeName(path).constData(), &entry) != 0)
+        return EntryKind::Missing;
+    if (S_ISLNK(entry.st_mode))
+        return EntryKind::Link;
+    return S_ISDIR(entry.st_mode) ? EntryKind::Directory : EntryKind::File;
+}
+
+RemovalAttempt removeEntry(const QString &path, EntryKind kind)
+{
+    const QByteArray name = QFile::encodeName(path);
+    const int result =
+        kind == EntryKind::Directory ? rmdir(name.constData()) : unlink(name.constData());
+    const int error = errno;
+    if (result == 0 || error == ENOENT)
+        return {true, false, {}};
+    return {false, error == EBUSY || error == ETXTBSY || error == EINTR, qt_error_string(error)};
+}
+
+void openForRemoval(const QString &path)
+{
+    const QByteArray name = QFile::encodeName(path);
+    struct stat folder
+    {
+    };
+    if (lstat(name.constData(), &folder) == 0 && (folder.st_mode & S_IRWXU) != S_IRWXU)
+        chmod(name.constData(), (folder.st_mode & 07777) | S_IRWXU);
+}
+
+QString comparableName(const QString &path)
+{
+    return path;
+}
+
+} // namespace platform

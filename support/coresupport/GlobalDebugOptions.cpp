@@ -1,0 +1,3 @@
+#include "support/coresupport/GlobalDebugOptions.h"
+
+GlobalDebugOptions g_GlobalDebugOptions;

@@ -1,0 +1,7 @@
+#include "support/coresupport/OrMCAuthenticateTaskAbstract.h"
+
+OrMCAuthenticateTaskAbstract::OrMCAuthenticateTaskAbstract(QObject *parent) : TaskAbstract(parent)
+{
+}
+
+OrMCAuthenticateTaskAbstract::~OrMCAuthenticateTaskAbstract() = default;

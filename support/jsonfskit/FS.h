@@ -1,0 +1,56 @@
+#pragma once
+
+#include <optional>
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include "support/jsonfskit/JsonFsKitExport.h"
+
+/// Whole files and their removal. Any thread; every call blocks until it is done.
+namespace FS {
+
+/// Creates the directories above the file @p filePath; false if it cannot.
+JSONFSKIT_EXPORT bool ensureFilePathExists(QString filePath);
+
+/// All bytes of a file; nothing if it is missing or cannot be read.
+[[nodiscard]] JSONFSKIT_EXPORT std::optional<QByteArray> readFile(const QString &path);
+
+/// Replaces the content of @p path as a whole: afterwards the file holds @p data, or on false,
+/// what it held before. Makes missing directories. Where the file system cannot rename over a
+/// file, it is written directly.
+[[nodiscard]] JSONFSKIT_EXPORT bool writeFile(const QString &path, const QByteArray &data);
+
+/// How a removal ended.
+struct RemovalResult
+{
+    QString firstFailure; ///< the first path that could not be removed; empty when all went
+
+    explicit operator bool() const { return firstFailure.isNull(); }
+};
+
+/// Removal never follows a symbolic link or a junction: it removes the link itself. An empty path,
+/// the root of a file system, the home directory and what holds it, and every path with a ".."
+/// in it are refused. What is not there counts as removed. An entry that somebody holds just now
+/// is tried again, for two seconds in one call altogether; what cannot be removed does not keep
+/// the rest from going. Each failure is a log line.
+
+/// Removes one file or one link; a real directory is refused.
+JSONFSKIT_EXPORT RemovalResult removeFile(const QString &path);
+
+/// Removes @p path with all that lies below it.
+JSONFSKIT_EXPORT RemovalResult removeTree(const QString &path);
+
+enum class ClearScope {
+    WholeTree,   ///< everything below the folder
+    DirectFiles, ///< only the files that lie in the folder itself
+};
+
+/// Removes what lies in @p folder and keeps the folder itself. The paths of @p exclude, relative to
+/// the folder or absolute, stay with all their content; folders that this empties go. A @p folder
+/// that is itself a link is refused.
+JSONFSKIT_EXPORT RemovalResult clearFolder(const QString &folder, const QStringList &exclude,
+                                           ClearScope scope);
+
+} // namespace FS

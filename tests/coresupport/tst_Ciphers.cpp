@@ -1,0 +1,105 @@
+#include <QtTest>
+
+#include "platform/MachineInfo.h"
+#include "support/coresupport/Cipher.h"
+#include "support/coresupport/QTAes.h"
+#include "support/coresupport/QTDes.h"
+
+namespace {
+
+class OtherMachine : public platform::MachineInfo
+{
+public:
+    bool is64Bit() const override { return true; }
+    QByteArray processorIdentity() const override { return QByteArrayLiteral("another one"); }
+};
+
+QByteArray hex(const char *digits)
+{
+    return QByteArray::fromHex(digits);
+}
+
+} // namespace
+
+class tst_Ciphers : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void knownAnswers()
+    {
+        // The GCM test vectors of McGrew and Viega, cases 14 and 13.
+        const QByteArray zeroKey(32, '\0'), zeroNonce(12, '\0');
+        QCOMPARE(Cipher::sealAes256Gcm(zeroKey, zeroNonce, QByteArray(16, '\0')).value(),
+                 hex("cea7403d4d606b6e074ec5d3baf39d18d0d1c8a799996bf0265b98b5d48ab919"));
+        QCOMPARE(Cipher::sealAes256Gcm(zeroKey, zeroNonce, {}).value(),
+                 hex("530f8afbc74536b9a963b4f1c4cb738b"));
+        // The text of NIST SP 800-67, appendix B, chained; the answer is OpenSSL's.
+        const QByteArray key = hex("0123456789abcdef23456789abcdef01456789abcdef0123");
+        const QByteArray vector = hex("f69f2445df4f9b17");
+        const QByteArray plain("The qufck brown fox jump");
+        const QByteArray data =
+            hex("a5c282bad0de3774becd2e04386b589fb5057d8552fc4336af45148b1b044b00");
+        QCOMPARE(Cipher::encryptTripleDesCbc(key, vector, plain).value(), data);
+        QCOMPARE(Cipher::decryptTripleDesCbc(key, vector, data).value(), plain);
+    }
+
+    void wrongLengthsGiveNothing()
+    {
+        QVERIFY(!Cipher::sealAes256Gcm(QByteArray(16, 'k'), QByteArray(12, 'n'), "x"));
+        QVERIFY(!Cipher::sealAes256Gcm(QByteArray(32, 'k'), QByteArray(11, 'n'), "x"));
+        QVERIFY(!Cipher::encryptTripleDesCbc(QByteArray(23, 'k'), QByteArray(8, 'v'), "x"));
+        QVERIFY(
+            !Cipher::decryptTripleDesCbc(hex("0123456789abcdef23456789abcdef01456789abcdef0123"),
+                                         QByteArray(8, 'v'), QByteArray(9, 'x')));
+    }
+
+    void recordsOpenOnTheirOwnMachineOnly()
+    {
+        const QByteArray plain = QByteArrayLiteral("sixteen bytes ok and some more");
+        QByteArray record, again, opened;
+        QVERIFY(QTAes::EncryptByteArrayByCpuid(plain, record));
+        QVERIFY(QTAes::EncryptByteArrayByCpuid(plain, again));
+        QVERIFY2(record != again, "the nonce is fresh each time");
+        QVERIFY(QTAes::DecryptByteArrayByCpuid(record, opened));
+        QCOMPARE(opened, plain);
+
+        const OtherMachine other;
+        platform::MachineInfo::replace(&other);
+        const bool openedElsewhere = QTAes::DecryptByteArrayByCpuid(record, opened);
+        platform::MachineInfo::replace(nullptr);
+        QVERIFY(!openedElsewhere && opened.isEmpty());
+    }
+
+    void changedRecordsGiveNothing()
+    {
+        QByteArray record;
+        QVERIFY(QTAes::EncryptByteArrayByCpuid(QByteArray(36, 'p'), record));
+        for (int length = 0; length < record.size(); ++length) {
+            QByteArray opened("garbage");
+            QVERIFY(!QTAes::DecryptByteArrayByCpuid(record.left(length), opened));
+            QVERIFY(opened.isEmpty());
+        }
+        for (int bit = 0; bit < record.size() * 8; ++bit) {
+            QByteArray changed = record, opened("garbage");
+            changed[bit / 8] = static_cast<char>(changed.at(bit / 8) ^ (1 << bit % 8));
+            QVERIFY(!QTAes::DecryptByteArrayByCpuid(changed, opened));
+            QVERIFY(opened.isEmpty());
+        }
+    }
+
+    void wordFilesComeBack()
+    {
+        for (int length = 0; length < 20; ++length) {
+            QByteArray file, opened;
+            QVERIFY(QTDes::EncryptByteArray(QByteArray(length, 'w'), file));
+            QVERIFY(QTDes::DecryptByteArray(file, opened));
+            QCOMPARE(opened, QByteArray(length, 'w'));
+            opened = "garbage";
+            QVERIFY(!QTDes::DecryptByteArray(file.left(file.size() - 1), opened));
+            QVERIFY(opened.isEmpty());
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_Ciphers)
+#include "tst_Ciphers.moc"

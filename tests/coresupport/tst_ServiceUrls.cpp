@@ -1,0 +1,65 @@
+#include <QtTest>
+
+#include "support/coresupport/ServiceUrls.h"
+#include "tests/support/LogCapture.h"
+
+class tst_ServiceUrls : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void theHostChoosesTheService()
+    {
+        const char *const before = g_resInfo_url;
+        QCOMPARE(before, "https://service.rivet.example/resources/info?id=%1");
+        QVERIFY(ServiceUrls::setBaseAddress(QStringLiteral("http://127.0.0.1:8080/api/")));
+        QCOMPARE(ServiceUrls::baseAddress(), QStringLiteral("http://127.0.0.1:8080/api"));
+        QCOMPARE(
+            QString::fromLatin1(g_rivet_login_url)
+                .arg(QStringLiteral("u"), QStringLiteral("m"), QStringLiteral("c")),
+            QStringLiteral("http://127.0.0.1:8080/api/account/login?user=u&password=m&channel=c"));
+        QCOMPARE(before, "https://service.rivet.example/resources/info?id=%1");
+    }
+
+    void refusesWhatIsNoServiceAddress_data()
+    {
+        QTest::addColumn<QString>("address");
+        for (const char *address : {"", "rivet.example", "ftp://rivet.example", "http://",
+                                    "http://h/?q", "http://h/#f", "http://h/%31", "http://h h"})
+            QTest::newRow(address) << QString::fromLatin1(address);
+    }
+    void refusesWhatIsNoServiceAddress()
+    {
+        QFETCH(QString, address);
+        const LogCapture log;
+        const QString before = ServiceUrls::baseAddress();
+        QVERIFY(!ServiceUrls::setBaseAddress(address));
+        QCOMPARE(ServiceUrls::baseAddress(), before);
+        QCOMPARE(log.lines().size(), 1);
+    }
+
+    void theEnvironmentGoesFirst()
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("RIVET_SERVICE_URL"), QStringLiteral("http://[::1]:81"));
+        QProcess process;
+        process.setProcessEnvironment(environment);
+        process.start(QCoreApplication::applicationFilePath(), {QStringLiteral("print")});
+        QVERIFY(process.waitForFinished());
+        QCOMPARE(process.readAllStandardOutput().trimmed(),
+                 QByteArray("http://[::1]:81/servers/lan"));
+    }
+};
+
+int main(int argc, char **argv)
+{
+    // Run again by the test itself, under another environment.
+    if (argc == 2 && qstrcmp(argv[1], "print") == 0) {
+        ServiceUrls::setBaseAddress(QStringLiteral("http://host.example"));
+        return std::puts(g_lan_server_list_url) < 0;
+    }
+    QCoreApplication application(argc, argv);
+    tst_ServiceUrls test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_ServiceUrls.moc"
