@@ -43,16 +43,6 @@ private Q_SLOTS:
         QCOMPARE(Cipher::decryptTripleDesCbc(key, vector, data).value(), plain);
     }
 
-    void wrongLengthsGiveNothing()
-    {
-        QVERIFY(!Cipher::sealAes256Gcm(QByteArray(16, 'k'), QByteArray(12, 'n'), "x"));
-        QVERIFY(!Cipher::sealAes256Gcm(QByteArray(32, 'k'), QByteArray(11, 'n'), "x"));
-        QVERIFY(!Cipher::encryptTripleDesCbc(QByteArray(23, 'k'), QByteArray(8, 'v'), "x"));
-        QVERIFY(
-            !Cipher::decryptTripleDesCbc(hex("0123456789abcdef23456789abcdef01456789abcdef0123"),
-                                         QByteArray(8, 'v'), QByteArray(9, 'x')));
-    }
-
     void recordsOpenOnTheirOwnMachineOnly()
     {
         const QByteArray plain = QByteArrayLiteral("sixteen bytes ok and some more");
@@ -72,18 +62,15 @@ private Q_SLOTS:
 
     void changedRecordsGiveNothing()
     {
-        QByteArray record;
+        QByteArray record, opened;
         QVERIFY(QTAes::EncryptByteArrayByCpuid(QByteArray(36, 'p'), record));
-        for (int length = 0; length < record.size(); ++length) {
-            QByteArray opened("garbage");
-            QVERIFY(!QTAes::DecryptByteArrayByCpuid(record.left(length), opened));
-            QVERIFY(opened.isEmpty());
-        }
         for (int bit = 0; bit < record.size() * 8; ++bit) {
-            QByteArray changed = record, opened("garbage");
+            QByteArray changed = record;
             changed[bit / 8] = static_cast<char>(changed.at(bit / 8) ^ (1 << bit % 8));
-            QVERIFY(!QTAes::DecryptByteArrayByCpuid(changed, opened));
-            QVERIFY(opened.isEmpty());
+            for (const QByteArray &bad : {changed, record.left(bit / 8)}) {
+                opened = "garbage";
+                QVERIFY(!QTAes::DecryptByteArrayByCpuid(bad, opened) && opened.isEmpty());
+            }
         }
     }
 
@@ -94,9 +81,7 @@ private Q_SLOTS:
             QVERIFY(QTDes::EncryptByteArray(QByteArray(length, 'w'), file));
             QVERIFY(QTDes::DecryptByteArray(file, opened));
             QCOMPARE(opened, QByteArray(length, 'w'));
-            opened = "garbage";
-            QVERIFY(!QTDes::DecryptByteArray(file.left(file.size() - 1), opened));
-            QVERIFY(opened.isEmpty());
+            QVERIFY(!QTDes::DecryptByteArray(file.chopped(1), opened) && opened.isEmpty());
         }
     }
 };

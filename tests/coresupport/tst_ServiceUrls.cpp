@@ -20,21 +20,15 @@ private Q_SLOTS:
         QCOMPARE(before, "https://service.rivet.example/resources/info?id=%1");
     }
 
-    void refusesWhatIsNoServiceAddress_data()
-    {
-        QTest::addColumn<QString>("address");
-        for (const char *address : {"", "rivet.example", "ftp://rivet.example", "http://",
-                                    "http://h/?q", "http://h/#f", "http://h/%31", "http://h h"})
-            QTest::newRow(address) << QString::fromLatin1(address);
-    }
     void refusesWhatIsNoServiceAddress()
     {
-        QFETCH(QString, address);
         const LogCapture log;
         const QString before = ServiceUrls::baseAddress();
-        QVERIFY(!ServiceUrls::setBaseAddress(address));
+        for (const char *address : {"", "rivet.example", "ftp://rivet.example", "http://",
+                                    "http://h/?q", "http://h/#f", "http://h/%31", "http://h h"})
+            QVERIFY2(!ServiceUrls::setBaseAddress(QLatin1String(address)), address);
         QCOMPARE(ServiceUrls::baseAddress(), before);
-        QCOMPARE(log.lines().size(), 1);
+        QCOMPARE(log.lines().size(), 8);
     }
 
     void theEnvironmentGoesFirst()

@@ -2,22 +2,21 @@
 
 #include <QMutexLocker>
 
-namespace {
-
-LogCapture *current = nullptr;
-
-} // namespace
+static LogCapture *current = nullptr;
 
 LogCapture::LogCapture()
 {
     current = this;
-    m_previous = qInstallMessageHandler(&LogCapture::handle);
+    m_previous =
+        qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &, const QString &text) {
+            const QMutexLocker lock(&current->m_mutex);
+            current->m_messages.append(qMakePair(type, text));
+        });
 }
 
 LogCapture::~LogCapture()
 {
     qInstallMessageHandler(m_previous);
-    current = nullptr;
 }
 
 QStringList LogCapture::lines() const
@@ -33,15 +32,4 @@ bool LogCapture::has(QtMsgType type, const QString &line) const
 {
     const QMutexLocker lock(&m_mutex);
     return m_messages.contains(qMakePair(type, line));
-}
-
-bool LogCapture::contains(const QString &part) const
-{
-    return !lines().filter(part).isEmpty();
-}
-
-void LogCapture::handle(QtMsgType type, const QMessageLogContext &, const QString &text)
-{
-    const QMutexLocker lock(&current->m_mutex);
-    current->m_messages.append(qMakePair(type, text));
 }

@@ -15,11 +15,8 @@ public:
     QStringList lines() const;
     /// True if @p line was logged, as a whole, at the level @p type.
     bool has(QtMsgType type, const QString &line) const;
-    bool contains(const QString &part) const;
 
 private:
-    static void handle(QtMsgType type, const QMessageLogContext &context, const QString &text);
-
     mutable QMutex m_mutex;
     QList<QPair<QtMsgType, QString>> m_messages;
     QtMessageHandler m_previous;

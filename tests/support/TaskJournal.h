@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QStringList>
+
+#include "support/coresupport/TaskAbstract.h"
+
+/// Writes down the signals of a task as they arrive on this object's thread, each as a short text
+/// such as "status x", "3/10", "failed why", "finished 0 why".
+class TaskJournal : public QObject
+{
+    Q_OBJECT
+public:
+    /// Connects by name, as hosts written with the string forms of connect() do.
+    explicit TaskJournal(TaskAbstract &task) : m_task(task)
+    {
+        connect(&task, SIGNAL(status(QString)), SLOT(onStatus(QString)));
+        connect(&task, SIGNAL(taskBrief(QString)), SLOT(onBrief(QString)));
+        connect(&task, SIGNAL(failed(QString)), SLOT(onFailed(QString)));
+        connect(&task, SIGNAL(finished()), SLOT(onFinished()));
+        connect(&task, SIGNAL(progress(quint64, quint64)), SLOT(onProgress(quint64, quint64)));
+    }
+
+    /// What has come since the last call, joined by ", ".
+    QString story() { return std::exchange(lines, {}).join(QStringLiteral(", ")); }
+
+    QStringList lines;
+
+private Q_SLOTS:
+    void onStatus(const QString &text) { lines << QLatin1String("status ") + text; }
+    void onBrief(const QString &text) { lines << QLatin1String("brief ") + text; }
+    void onFailed(const QString &reason) { lines << QLatin1String("failed ") + reason; }
+    void onProgress(quint64 current, quint64 total)
+    {
+        lines << QStringLiteral("%1/%2").arg(current).arg(total);
+    }
+    void onFinished()
+    {
+        lines << QStringLiteral("finished %1 %2").arg(m_task.successful()).arg(m_task.failReason());
+    }
+
+private:
+    TaskAbstract &m_task;
+};
