@@ -43,40 +43,35 @@ private Q_SLOTS:
                   {QStringLiteral("a.txt"), QStringLiteral(".hidden"), QStringLiteral("sub/b.txt"),
                    QStringLiteral("sub/deep/c.txt"), QStringLiteral("other/d.txt")});
         makeFiles(m_outside, {QStringLiteral("precious")});
-        m_home = qgetenv("HOME");
         qputenv("HOME", QFile::encodeName(m_dir->filePath(QStringLiteral("home/player"))));
         QVERIFY(QDir().mkpath(QDir::homePath()));
     }
-    void cleanup() { qputenv("HOME", m_home); }
 
-    void clearsAllButWhatIsExcluded_data()
-    {
-        QTest::addColumn<QStringList>("exclude");
-        QTest::addColumn<bool>("wholeTree");
-        QTest::addColumn<QString>("left");
-        const auto row = [](const char *name, const QStringList &exclude, bool wholeTree,
-                            const char *left) {
-            QTest::newRow(name) << exclude << wholeTree << QString::fromLatin1(left);
-        };
-        row("nothing", {}, true, "");
-        row("a file", {QStringLiteral("sub/b.txt")}, true, "sub sub/b.txt");
-        row("a folder keeps its content", {QStringLiteral("sub")}, true,
-            "sub sub/b.txt sub/deep sub/deep/c.txt");
-        row("absolute", {QStringLiteral("%1/sub/deep")}, true, "sub sub/deep sub/deep/c.txt");
-        row("not tidy", {QStringLiteral("./other//d.txt"), QString()}, true, "other other/d.txt");
-        row("beginning of a name", {QStringLiteral("su")}, true, "");
-        row("outside", {QStringLiteral("../outside")}, true, "");
-        row("direct files only", {QStringLiteral("a.txt")}, false,
-            "a.txt other other/d.txt sub sub/b.txt sub/deep sub/deep/c.txt");
-    }
     void clearsAllButWhatIsExcluded()
     {
-        QFETCH(QStringList, exclude);
-        QFETCH(bool, wholeTree);
-        exclude.replaceInStrings(QStringLiteral("%1"), m_ours);
-        QVERIFY(CCommonFunction::ClearFolderButExclude(m_ours, exclude, wholeTree));
-        QTEST(treeOf(m_ours), "left");
-        QVERIFY2(QFileInfo::exists(m_ours), "the folder itself stays");
+        const struct
+        {
+            const char *exclude;
+            bool wholeTree;
+            const char *left;
+        } rows[] = {
+            {"", true, ""},
+            {"sub/b.txt", true, "sub sub/b.txt"},
+            {"sub", true, "sub sub/b.txt sub/deep sub/deep/c.txt"},
+            {"%1/sub/deep", true, "sub sub/deep sub/deep/c.txt"},
+            {"./other//d.txt", true, "other other/d.txt"},
+            {"su", true, ""},
+            {"../outside", true, ""},
+            {"a.txt", false, "a.txt other other/d.txt sub sub/b.txt sub/deep sub/deep/c.txt"},
+        };
+        for (const auto &row : rows) {
+            init();
+            const QString exclude =
+                QString::fromLatin1(row.exclude).replace(QLatin1String("%1"), m_ours);
+            QVERIFY(CCommonFunction::ClearFolderButExclude(m_ours, {exclude}, row.wholeTree));
+            QCOMPARE(treeOf(m_ours), QLatin1String(row.left));
+            QVERIFY2(QFileInfo::exists(m_ours), "the folder itself stays");
+        }
     }
 
     void linksGoAndWhatTheyPointToStays()
@@ -99,32 +94,22 @@ private Q_SLOTS:
         QCOMPARE(treeOf(m_outside), QStringLiteral("precious"));
     }
 
-    void refusesDangerousPaths_data()
-    {
-        QTest::addColumn<QString>("path");
-        QTest::newRow("empty") << QString();
-        QTest::newRow("root") << QDir::rootPath();
-        QTest::newRow("root, untidy") << QStringLiteral("//./");
-        QTest::newRow("home") << QStringLiteral("%1/home/player");
-        QTest::newRow("home with a slash") << QStringLiteral("%1/home/player/");
-        QTest::newRow("holds home") << QStringLiteral("%1/home");
-        QTest::newRow("through a link to home") << QStringLiteral("%1/way/player");
-        QTest::newRow("climbs out") << QStringLiteral("%1/ours/../outside");
-        QTest::newRow("climbs out, relative") << QStringLiteral("../outside");
-    }
     void refusesDangerousPaths()
     {
-        QFETCH(QString, path);
         makeFiles(QDir::homePath(), {QStringLiteral("precious")});
         QVERIFY(QFile::link(m_dir->filePath(QStringLiteral("home")),
                             m_dir->filePath(QStringLiteral("way"))));
-        path.replace(QStringLiteral("%1"), m_dir->path());
         const QString before = treeOf(m_dir->path());
-        const LogCapture log;
-        QVERIFY(!CCommonFunction::ClearFolderButExclude(path, {}, true));
-        QVERIFY(!CCommonFunction::DeleteSingleFile(path));
-        QVERIFY(!FS::removeTree(path));
-        QCOMPARE(log.lines().size(), 3);
+        for (const char *dangerous :
+             {"", "/", "//./", "%1/home/player", "%1/home/player/", "%1/home", "%1/way/player",
+              "%1/ours/../outside", "../outside", "%1/ours/.."}) {
+            const QString path =
+                QString::fromLatin1(dangerous).replace(QLatin1String("%1"), m_dir->path());
+            const LogCapture log;
+            QVERIFY2(!CCommonFunction::ClearFolderButExclude(path, {}, true), dangerous);
+            QVERIFY2(!CCommonFunction::DeleteSingleFile(path), dangerous);
+            QVERIFY2(!FS::removeTree(path) && log.lines().size() == 3, dangerous);
+        }
         QCOMPARE(treeOf(m_dir->path()), before);
     }
 
@@ -150,7 +135,6 @@ private Q_SLOTS:
 private:
     std::unique_ptr<QTemporaryDir> m_dir;
     QString m_ours, m_outside;
-    QByteArray m_home;
 };
 
 QTEST_GUILESS_MAIN(tst_Removal)
