@@ -24,7 +24,7 @@ QByteArray middleOf(const QByteArray &data)
 /// Bytes that lean to what the readers look for.
 QByteArray randomBytes(QRandomGenerator &random)
 {
-    static const QByteArray liked("\xEF\xBB\xBF\0\t\n {}()[]\"-.,;|0129", 25);
+    static const auto liked = QByteArrayLiteral("\xEF\xBB\xBF\0\t\n {}()[]\"-.,;|0129");
     QByteArray bytes;
     for (int i = random.bounded(40); i > 0; --i) {
         bytes += random.bounded(4) ? liked.at(random.bounded(liked.size()))
