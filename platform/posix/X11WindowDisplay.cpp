@@ -14,7 +14,8 @@ struct Free
 {
     void operator()(void *reply) const { std::free(reply); }
 };
-template <typename T> using Reply = std::unique_ptr<T, Free>;
+template <typename T>
+using Reply = std::unique_ptr<T, Free>;
 
 class X11WindowDisplay final : public WindowDisplay
 {
@@ -22,8 +23,10 @@ public:
     explicit X11WindowDisplay(xcb_connection_t *connection)
         : m_connection(connection),
           m_root(xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root),
-          m_processIdAtom(atom("_NET_WM_PID")), m_clientListAtom(atom("_NET_CLIENT_LIST")),
-          m_nameAtom(atom("_NET_WM_NAME")), m_textAtom(atom("UTF8_STRING"))
+          m_processIdAtom(atom("_NET_WM_PID")),
+          m_clientListAtom(atom("_NET_CLIENT_LIST")),
+          m_nameAtom(atom("_NET_WM_NAME")),
+          m_textAtom(atom("UTF8_STRING"))
     {
     }
     ~X11WindowDisplay() override { xcb_disconnect(m_connection); }
@@ -103,10 +106,9 @@ bool X11WindowDisplay::setTitle(qint64 processId, const QString &title) const
         return false;
     const QByteArray text = title.toUtf8();
     const Reply<xcb_generic_error_t> failure(xcb_request_check(
-        m_connection, xcb_change_property_checked(m_connection, XCB_PROP_MODE_REPLACE, window,
-                                                  m_nameAtom, m_textAtom, 8,
-                                                  static_cast<quint32>(text.size()),
-                                                  text.constData())));
+        m_connection, xcb_change_property_checked(
+                          m_connection, XCB_PROP_MODE_REPLACE, window, m_nameAtom, m_textAtom, 8,
+                          static_cast<quint32>(text.size()), text.constData())));
     return !failure;
 }
 

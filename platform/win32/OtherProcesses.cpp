@@ -58,8 +58,7 @@ public:
 
     InputWait waitForInput(qint64 processId) const override
     {
-        const Process process =
-            openProcess(SYNCHRONIZE | PROCESS_QUERY_INFORMATION, processId);
+        const Process process = openProcess(SYNCHRONIZE | PROCESS_QUERY_INFORMATION, processId);
         if (!process)
             return InputWait::GaveUp;
         DWORD result = WAIT_TIMEOUT;

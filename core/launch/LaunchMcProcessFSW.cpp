@@ -1,0 +1,204 @@
+#include "core/launch/LaunchMcProcessFSW.h"
+
+#include <algorithm>
+
+#include <QDir>
+#include <QFileInfo>
+#include <QFileSystemWatcher>
+#include <QPointer>
+#include <QSet>
+
+#include "core/foundation/FSH.h"
+#include "support/jsonfskit/Log.h"
+
+static bool isWatchedKind(const QFileInfo &entry)
+{
+    const QString suffix = entry.suffix();
+    return (suffix == QLatin1String("zip") || suffix == QLatin1String("jar") ||
+            suffix == QLatin1String("class")) &&
+           !entry.isDir();
+}
+
+static bool isAtOrBelow(const QString &path, const QString &folder)
+{
+    return path.startsWith(folder) &&
+           (path.size() == folder.size() || path.at(folder.size()) == QLatin1Char('/'));
+}
+
+LaunchMcProcessFSW::Stamp::Stamp(const QFileInfo &file)
+    : sizeBytes(file.size()),
+      modified(file.lastModified()),
+      metadataChanged(file.metadataChangeTime())
+{
+}
+
+bool LaunchMcProcessFSW::Stamp::operator==(const Stamp &other) const
+{
+    return sizeBytes == other.sizeBytes && modified == other.modified &&
+           metadataChanged == other.metadataChanged;
+}
+
+LaunchMcProcessFSW::LaunchMcProcessFSW(QString clientVersion, QObject *parent)
+    : LaunchMcProcess(std::move(clientVersion), parent)
+{
+}
+
+LaunchMcProcessFSW::~LaunchMcProcessFSW() = default;
+
+void LaunchMcProcessFSW::onTaskRun()
+{
+    startModsPathWatcher();
+    LaunchMcProcess::onTaskRun();
+}
+
+void LaunchMcProcessFSW::startModsPathWatcher()
+{
+    if (!m_watcher) {
+        m_watcher = new QFileSystemWatcher(this);
+        connect(m_watcher, &QFileSystemWatcher::directoryChanged, this,
+                &LaunchMcProcessFSW::onModsPathChanged, Qt::QueuedConnection);
+        connect(m_watcher, &QFileSystemWatcher::fileChanged, this,
+                &LaunchMcProcessFSW::onModsFileChanged, Qt::QueuedConnection);
+    }
+    m_watchedFiles.clear();
+    m_watchedDirs.clear();
+    const QString instanceDir = getArgsValue(ArgInstanceDir);
+    if (instanceDir.isEmpty()) {
+        qCritical("instance dir could note been empty!");
+        return;
+    }
+    m_instanceDir = QDir::cleanPath(QDir(instanceDir).absolutePath());
+    const QString mods = m_instanceDir + QLatin1Char('/') + FSH::dirNameInGame(ResTypeMods);
+    if (!addPathToWatcher(mods))
+        Log::warning(QLatin1String("not expect result on add path: ") + mods +
+                     QLatin1String("to watcher"));
+}
+
+bool LaunchMcProcessFSW::addPathToWatcher(const QString &path)
+{
+    if (!m_watcher) {
+        qWarning("file watcher is not create");
+        return false;
+    }
+    if (!QDir(path).exists() && !QDir().mkpath(path))
+        Log::warning(path + QLatin1String("not exist and try to make path failed"));
+    if (!QDir(path).exists())
+        return true;
+    m_watchedDirs << path;
+    // The folder above tells when this one is swapped for another or comes back.
+    watch({path, m_instanceDir});
+    const QStringList entries = watchNewFoldersAndList(path);
+    for (const QString &entry : entries) {
+        const QFileInfo info(entry);
+        if (isWatchedKind(info))
+            m_watchedFiles.insert(entry, Stamp(info));
+    }
+    watch(m_watchedFiles.keys());
+    return true;
+}
+
+void LaunchMcProcessFSW::watch(const QStringList &paths)
+{
+    if (!m_watcher || paths.isEmpty())
+        return;
+    QStringList refused = m_watcher->addPaths(paths);
+    if (refused.isEmpty())
+        return;
+    // What is watched already is refused as well.
+    const QStringList watched = m_watcher->files() + m_watcher->directories();
+    const QSet<QString> known(watched.begin(), watched.end());
+    refused.erase(std::remove_if(refused.begin(), refused.end(),
+                                 [&](const QString &path) { return known.contains(path); }),
+                  refused.end());
+    if (!refused.isEmpty())
+        Log::warning(QString::number(refused.size()) +
+                     QLatin1String(" paths of the mods folder can't be watched, the system's limit "
+                                   "may be reached; the first is ") +
+                     refused.first());
+}
+
+/// Another folder may have come under a known name, and the watch hangs on the folder itself.
+void LaunchMcProcessFSW::watchFoldersAgain(const QString &path)
+{
+    QStringList present;
+    for (const QString &dir : qAsConst(m_watchedDirs)) {
+        if (!isAtOrBelow(dir, path))
+            continue;
+        if (m_watcher)
+            m_watcher->removePath(dir);
+        if (QFileInfo(dir).isDir())
+            present << dir;
+    }
+    watch(present);
+}
+
+/// Lists all below @p path. Each folder in the list is watched by the time of the listing, so that
+/// what changes after it is told.
+QStringList LaunchMcProcessFSW::watchNewFoldersAndList(const QString &path)
+{
+    for (;;) {
+        QStringList entries = FSH::getFileListFromDirRecursively(path);
+        QStringList newDirs;
+        for (const QString &entry : qAsConst(entries)) {
+            if (QFileInfo(entry).isDir() && !m_watchedDirs.contains(entry))
+                newDirs << entry;
+        }
+        if (newDirs.isEmpty())
+            return entries;
+        m_watchedDirs << newDirs;
+        watch(newDirs);
+    }
+}
+
+bool LaunchMcProcessFSW::isTampered(const QString &path, const QStringList &entries) const
+{
+    int known = 0;
+    for (const QString &entry : entries) {
+        const QFileInfo info(entry);
+        if (!isWatchedKind(info))
+            continue;
+        const auto stamp = m_watchedFiles.constFind(entry);
+        if (stamp == m_watchedFiles.constEnd() || !(*stamp == Stamp(info)))
+            return true;
+        ++known;
+    }
+    return known < std::count_if(
+                       m_watchedFiles.keyBegin(), m_watchedFiles.keyEnd(),
+                       [&](const QString &file) { return isAtOrBelow(file, path); });
+}
+
+void LaunchMcProcessFSW::onModsPathChanged(const QString &path)
+{
+    // Notices may still be on their way when the game has ended.
+    if (hasRunEnded())
+        return;
+    const QString folder = path == m_instanceDir ? m_watchedDirs.value(0) : path;
+    QStringList entries;
+    if (QDir(folder).exists()) {
+        watchFoldersAgain(folder);
+        entries = watchNewFoldersAndList(folder);
+    } else {
+        qWarning("Mods path is not exist");
+    }
+    if (isTampered(folder, entries))
+        onModsFileChanged(folder);
+}
+
+void LaunchMcProcessFSW::onModsFileChanged(const QString &path)
+{
+    Q_UNUSED(path)
+    if (hasRunEnded())
+        return;
+    abort();
+    changeProcessState(StateTampered);
+}
+
+void LaunchMcProcessFSW::onGameFinished(int nExitCode, QProcess::ExitStatus exitStatus)
+{
+    const QPointer<LaunchMcProcessFSW> self(this);
+    LaunchMcProcess::onGameFinished(nExitCode, exitStatus);
+    // A listener may have deleted us, or started the next run with a watch of its own.
+    if (!self || !hasRunEnded() || !m_watcher)
+        return;
+    m_watcher->removePaths(m_watcher->files() + m_watcher->directories());
+}
