@@ -1,6 +1,7 @@
 #include "core/launch/LaunchMcProcessFSW.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <QDir>
 #include <QFileInfo>
@@ -9,33 +10,19 @@
 #include <QSet>
 
 #include "core/foundation/FSH.h"
+#include "platform/FileStamp.h"
 #include "support/jsonfskit/Log.h"
 
-static bool isWatchedKind(const QFileInfo &entry)
+static bool hasWatchedSuffix(const QString &path)
 {
-    const QString suffix = entry.suffix();
-    return (suffix == QLatin1String("zip") || suffix == QLatin1String("jar") ||
-            suffix == QLatin1String("class")) &&
-           !entry.isDir();
+    return path.endsWith(QLatin1String(".zip")) || path.endsWith(QLatin1String(".jar")) ||
+           path.endsWith(QLatin1String(".class"));
 }
 
 static bool isAtOrBelow(const QString &path, const QString &folder)
 {
     return path.startsWith(folder) &&
            (path.size() == folder.size() || path.at(folder.size()) == QLatin1Char('/'));
-}
-
-LaunchMcProcessFSW::Stamp::Stamp(const QFileInfo &file)
-    : sizeBytes(file.size()),
-      modified(file.lastModified()),
-      metadataChanged(file.metadataChangeTime())
-{
-}
-
-bool LaunchMcProcessFSW::Stamp::operator==(const Stamp &other) const
-{
-    return sizeBytes == other.sizeBytes && modified == other.modified &&
-           metadataChanged == other.metadataChanged;
 }
 
 LaunchMcProcessFSW::LaunchMcProcessFSW(QString clientVersion, QObject *parent)
@@ -68,9 +55,9 @@ void LaunchMcProcessFSW::startModsPathWatcher()
         return;
     }
     m_instanceDir = QDir::cleanPath(QDir(instanceDir).absolutePath());
-    const QString mods = m_instanceDir + QLatin1Char('/') + FSH::dirNameInGame(ResTypeMods);
-    if (!addPathToWatcher(mods))
-        Log::warning(QLatin1String("not expect result on add path: ") + mods +
+    m_modsDir = m_instanceDir + QLatin1Char('/') + FSH::dirNameInGame(ResTypeMods);
+    if (!addPathToWatcher(m_modsDir))
+        Log::warning(QLatin1String("not expect result on add path: ") + m_modsDir +
                      QLatin1String("to watcher"));
 }
 
@@ -87,13 +74,10 @@ bool LaunchMcProcessFSW::addPathToWatcher(const QString &path)
     m_watchedDirs << path;
     // The folder above tells when this one is swapped for another or comes back.
     watch({path, m_instanceDir});
-    const QStringList entries = watchNewFoldersAndList(path);
-    for (const QString &entry : entries) {
-        const QFileInfo info(entry);
-        if (isWatchedKind(info))
-            m_watchedFiles.insert(entry, Stamp(info));
-    }
-    watch(m_watchedFiles.keys());
+    const QStringList files = watchNewFoldersAndList(path);
+    for (const QString &file : files)
+        m_watchedFiles.insert(file, platform::fileStamp(file));
+    watch(files);
     return true;
 }
 
@@ -132,39 +116,39 @@ void LaunchMcProcessFSW::watchFoldersAgain(const QString &path)
     watch(present);
 }
 
-/// Lists all below @p path. Each folder in the list is watched by the time of the listing, so that
-/// what changes after it is told.
+/// Lists the files of a watched kind below @p path. Each folder is watched by the time of the
+/// listing, so that what changes after it is told.
 QStringList LaunchMcProcessFSW::watchNewFoldersAndList(const QString &path)
 {
     for (;;) {
-        QStringList entries = FSH::getFileListFromDirRecursively(path);
-        QStringList newDirs;
-        for (const QString &entry : qAsConst(entries)) {
-            if (QFileInfo(entry).isDir() && !m_watchedDirs.contains(entry))
+        QStringList newDirs, files;
+        const QStringList entries = FSH::getFileListFromDirRecursively(path);
+        for (const QString &entry : entries) {
+            if (!QFileInfo(entry).isDir()) {
+                if (hasWatchedSuffix(entry))
+                    files << entry;
+            } else if (!m_watchedDirs.contains(entry)) {
                 newDirs << entry;
+                m_watchedDirs << entry;
+            }
         }
         if (newDirs.isEmpty())
-            return entries;
-        m_watchedDirs << newDirs;
+            return files;
         watch(newDirs);
     }
 }
 
-bool LaunchMcProcessFSW::isTampered(const QString &path, const QStringList &entries) const
+/// @p files are those that lie below @p path now.
+bool LaunchMcProcessFSW::isTampered(const QString &path, const QStringList &files) const
 {
-    int known = 0;
-    for (const QString &entry : entries) {
-        const QFileInfo info(entry);
-        if (!isWatchedKind(info))
-            continue;
-        const auto stamp = m_watchedFiles.constFind(entry);
-        if (stamp == m_watchedFiles.constEnd() || !(*stamp == Stamp(info)))
-            return true;
-        ++known;
-    }
-    return known < std::count_if(
-                       m_watchedFiles.keyBegin(), m_watchedFiles.keyEnd(),
-                       [&](const QString &file) { return isAtOrBelow(file, path); });
+    const auto isKnown = [&](const QString &file) {
+        const auto known = m_watchedFiles.constFind(file);
+        return known != m_watchedFiles.constEnd() && *known == platform::fileStamp(file);
+    };
+    const auto isBelow = [&](const QString &file) { return isAtOrBelow(file, path); };
+    return !std::all_of(files.begin(), files.end(), isKnown) ||
+           files.size() <
+               std::count_if(m_watchedFiles.keyBegin(), m_watchedFiles.keyEnd(), isBelow);
 }
 
 void LaunchMcProcessFSW::onModsPathChanged(const QString &path)
@@ -172,15 +156,15 @@ void LaunchMcProcessFSW::onModsPathChanged(const QString &path)
     // Notices may still be on their way when the game has ended.
     if (hasRunEnded())
         return;
-    const QString folder = path == m_instanceDir ? m_watchedDirs.value(0) : path;
-    QStringList entries;
+    const QString folder = path == m_instanceDir ? m_modsDir : path;
+    QStringList files;
     if (QDir(folder).exists()) {
         watchFoldersAgain(folder);
-        entries = watchNewFoldersAndList(folder);
+        files = watchNewFoldersAndList(folder);
     } else {
         qWarning("Mods path is not exist");
     }
-    if (isTampered(folder, entries))
+    if (isTampered(folder, files))
         onModsFileChanged(folder);
 }
 
@@ -197,8 +181,8 @@ void LaunchMcProcessFSW::onGameFinished(int nExitCode, QProcess::ExitStatus exit
 {
     const QPointer<LaunchMcProcessFSW> self(this);
     LaunchMcProcess::onGameFinished(nExitCode, exitStatus);
-    // A listener may have deleted us, or started the next run with a watch of its own.
-    if (!self || !hasRunEnded() || !m_watcher)
-        return;
-    m_watcher->removePaths(m_watcher->files() + m_watcher->directories());
+    // A listener may have deleted us, or started the next run with a watch of its own. All paths
+    // go with the watcher, in a fraction of the time that taking each out of it costs.
+    if (self && hasRunEnded())
+        delete std::exchange(m_watcher, nullptr);
 }

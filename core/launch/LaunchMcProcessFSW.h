@@ -1,12 +1,11 @@
 #pragma once
 
-#include <QDateTime>
 #include <QHash>
+#include <QSet>
 #include <QStringList>
 
 #include "core/launch/LaunchMcProcess.h"
 
-class QFileInfo;
 class QFileSystemWatcher;
 
 /// A game whose mods folder must not change while it runs: it is watched from before the start
@@ -34,16 +33,6 @@ protected Q_SLOTS:
     void onModsFileChanged(const QString &path);
 
 private:
-    /// What tells a watched file from another one under its name.
-    struct Stamp
-    {
-        explicit Stamp(const QFileInfo &file);
-        bool operator==(const Stamp &other) const;
-
-        qint64 sizeBytes;
-        QDateTime modified, metadataChanged;
-    };
-
     void startModsPathWatcher();
     bool addPathToWatcher(const QString &path);
     void watch(const QStringList &paths);
@@ -51,8 +40,8 @@ private:
     QStringList watchNewFoldersAndList(const QString &path);
     bool isTampered(const QString &path, const QStringList &entries) const;
 
-    QFileSystemWatcher *m_watcher = nullptr; ///< made at the first run
-    QHash<QString, Stamp> m_watchedFiles;    ///< known at the start of the run
-    QStringList m_watchedDirs;               ///< the mods folder first
-    QString m_instanceDir;                   ///< absolute, as the watcher names it
+    QFileSystemWatcher *m_watcher = nullptr;   ///< null when no run is watched
+    QHash<QString, QByteArray> m_watchedFiles; ///< known at the start of the run, with their stamps
+    QSet<QString> m_watchedDirs;               ///< the mods folder and those below it
+    QString m_instanceDir, m_modsDir;          ///< absolute, as the watcher names them
 };

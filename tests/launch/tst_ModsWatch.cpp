@@ -105,16 +105,15 @@ private Q_SLOTS:
         WatchedRun run({QStringLiteral("mods/a.jar"), QStringLiteral("mods/x.txt")});
         QVERIFY(run.isUp());
         for (int i = 0; i < 10000; ++i) {
-            const char *const names[] = {"mods/x.txt", "mods/x%1.cfg", "x%1.jar", "options.txt"};
-            QFile file(run.file(QString::fromLatin1(names[i % 4]).arg(i)));
+            const char *const names[] = {"mods/x.txt", "options.txt", "mods/x%1.cfg", "x%1.jar"};
+            QFile file(run.file(QString::fromLatin1(names[i % 4]).arg(i % 1000)));
             QVERIFY(file.open(QIODevice::Append) && file.write("x") == 1);
             if (i % 100 == 0)
                 QCoreApplication::processEvents();
         }
         run.touch(QStringLiteral("end"));
         QTRY_COMPARE(run.story(), QStringLiteral("Preparing Initializing Running Exited"));
-        const auto *const watcher = run.game->findChild<QFileSystemWatcher *>();
-        QVERIFY2(watcher->files().isEmpty() && watcher->directories().isEmpty(), "still watched");
+        QVERIFY2(!run.game->findChild<QFileSystemWatcher *>(), "still watched");
     }
 
     void aLaunchThatFailedIsNotTampered()

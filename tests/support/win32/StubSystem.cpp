@@ -5,7 +5,9 @@
 #include <windows.h>
 
 // The C run time shall expand wildcards in bare arguments, as a Java program does.
-extern "C" int _dowildcard = -1;
+extern "C" {
+int _dowildcard = -1;
+}
 
 namespace StubSystem {
 
