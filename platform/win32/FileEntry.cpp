@@ -31,7 +31,7 @@ bool isLink(const NativePath &path)
     if (!entry.isValid() ||
         !GetFileInformationByHandleEx(entry.get(), FileAttributeTagInfo, &info, sizeof info))
         return true;
-    return IsReparseTagNameSurrogate(info.ReparseTag);
+    return info.ReparseTag == 0 || IsReparseTagNameSurrogate(info.ReparseTag);
 }
 
 bool isGone(DWORD error)

@@ -100,6 +100,11 @@ int main(int argc, char **argv)
 {
     // Run again by the test itself, to see the process end.
     const QByteArray operation = argc == 2 ? argv[1] : "";
+    if (!operation.isEmpty()) // Qt on Windows would write where only a debugger sees it.
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &text) {
+            std::fprintf(stderr, "%s\n", qPrintable(text));
+            std::fflush(stderr);
+        });
     if (operation == "RegisterCallback")
         AtExitManager::RegisterCallback(note, &a);
     if (operation == "ProcessCallbacksNow")

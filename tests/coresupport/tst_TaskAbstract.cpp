@@ -1,7 +1,7 @@
 #include <functional>
+#include <future>
 #include <memory>
 
-#include <QThreadPool>
 #include <QtTest>
 
 #include "tests/support/TaskJournal.h"
@@ -19,20 +19,21 @@ protected:
     void onTaskRun() override { work(*this); }
 };
 
-/// Runs @p work on @p count threads of @p pool that start together and waits for their end.
-void runTogether(QThreadPool &pool, int count, const std::function<void(int)> &work)
+/// Runs @p work for 0 to @p rounds - 1 on @p count threads that begin each round together.
+void runTogether(int count, int rounds, const std::function<void(int thread, int round)> &work)
 {
-    pool.setMaxThreadCount(count);
-    std::atomic<int> waiting{count};
-    for (int i = 0; i < count; ++i) {
-        pool.start([&waiting, &work, i] {
-            --waiting;
-            while (waiting > 0)
-                QThread::yieldCurrentThread();
-            work(i);
-        });
+    std::atomic<int> arrivals{0};
+    std::vector<std::future<void>> threads;
+    for (int thread = 0; thread < count; ++thread) {
+        threads.push_back(std::async(std::launch::async, [&, thread] {
+            for (int round = 0; round < rounds; ++round) {
+                ++arrivals;
+                while (arrivals < count * (round + 1))
+                    QThread::yieldCurrentThread();
+                work(thread, round);
+            }
+        }));
     }
-    pool.waitForDone();
 }
 
 } // namespace
@@ -103,8 +104,7 @@ private Q_SLOTS:
                 t.emitFailed("why");
             };
         }
-        QThreadPool pool;
-        runTogether(pool, tasks, [&all](int i) { all[std::size_t(i)]->start(); });
+        runTogether(tasks, 1, [&all](int i, int) { all[std::size_t(i)]->start(); });
         for (const auto &journal : journals)
             QVERIFY2(journal->lines.isEmpty(), "delivery waits for this thread's event loop");
         for (const auto &journal : journals)
@@ -113,18 +113,22 @@ private Q_SLOTS:
 
     void threadsThatEndATaskAtOnceEndItOnce()
     {
-        QThreadPool pool;
-        for (int round = 0; round < 3000; ++round) {
-            Task task;
-            std::atomic<int> ends{0};
+        constexpr int rounds = 3000;
+        std::vector<Task> tasks(rounds);
+        std::vector<std::atomic<int>> ends(rounds);
+        for (std::size_t i = 0; i < rounds; ++i) {
             connect(
-                &task, &TaskAbstract::finished, &task, [&] { ++ends; }, Qt::DirectConnection);
-            task.start();
-            runTogether(pool, 3, [&task](int i) {
-                i == 0 ? task.emitSucceeded() : task.emitFailed(QString::number(i));
-            });
-            QCOMPARE(ends.load(), 1);
-            QCOMPARE(task.successful(), task.failReason().isEmpty());
+                &tasks[i], &TaskAbstract::finished, this, [&ends, i] { ++ends[i]; },
+                Qt::DirectConnection);
+            tasks[i].start();
+        }
+        runTogether(2, rounds, [&tasks](int thread, int round) {
+            Task &task = tasks[std::size_t(round)];
+            thread == 0 ? task.emitSucceeded() : task.emitFailed("why");
+        });
+        for (std::size_t i = 0; i < rounds; ++i) {
+            QCOMPARE(ends[i].load(), 1);
+            QCOMPARE(tasks[i].successful(), tasks[i].failReason().isEmpty());
         }
     }
 };
