@@ -28,6 +28,16 @@ struct Slow
     ~Slow() { ended += LazySingleton<Slow>::get() == this ? 'S' : '?'; }
 };
 
+struct FailsFirst
+{
+    FailsFirst()
+    {
+        if (!std::exchange(hasFailed, true))
+            throw std::bad_alloc();
+    }
+    static inline bool hasFailed = false;
+};
+
 } // namespace
 
 class tst_AtExit : public QObject
@@ -79,6 +89,10 @@ private Q_SLOTS:
             QCOMPARE(made.loadRelaxed(), run);
         }
         QCOMPARE(ended, QByteArray("SS"));
+
+        const RivetCoreAtExitManagerUtil core;
+        QVERIFY_EXCEPTION_THROWN(LazySingleton<FailsFirst>::get(), std::bad_alloc);
+        QVERIFY(LazySingleton<FailsFirst>::get());
     }
 };
 
@@ -86,6 +100,11 @@ int main(int argc, char **argv)
 {
     // Run again by the test itself, to see the process end.
     const QByteArray operation = argc == 2 ? argv[1] : "";
+    if (!operation.isEmpty()) // Qt on Windows would write where only a debugger sees it.
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &text) {
+            std::fprintf(stderr, "%s\n", qPrintable(text));
+            std::fflush(stderr);
+        });
     if (operation == "RegisterCallback")
         AtExitManager::RegisterCallback(note, &a);
     if (operation == "ProcessCallbacksNow")

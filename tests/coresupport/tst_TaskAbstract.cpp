@@ -1,7 +1,7 @@
 #include <functional>
+#include <future>
 #include <memory>
 
-#include <QThreadPool>
 #include <QtTest>
 
 #include "tests/support/TaskJournal.h"
@@ -19,21 +19,21 @@ protected:
     void onTaskRun() override { work(*this); }
 };
 
-/// Runs @p work on @p count pool threads that start together and waits for their end.
-void runTogether(int count, const std::function<void(int)> &work)
+/// Runs @p work for 0 to @p rounds - 1 on @p count threads that begin each round together.
+void runTogether(int count, int rounds, const std::function<void(int thread, int round)> &work)
 {
-    QThreadPool pool;
-    pool.setMaxThreadCount(count);
-    std::atomic<int> waiting{count};
-    for (int i = 0; i < count; ++i) {
-        pool.start([&waiting, &work, i] {
-            --waiting;
-            while (waiting > 0)
-                QThread::yieldCurrentThread();
-            work(i);
-        });
+    std::atomic<int> arrivals{0};
+    std::vector<std::future<void>> threads;
+    for (int thread = 0; thread < count; ++thread) {
+        threads.push_back(std::async(std::launch::async, [&, thread] {
+            for (int round = 0; round < rounds; ++round) {
+                ++arrivals;
+                while (arrivals < count * (round + 1))
+                    QThread::yieldCurrentThread();
+                work(thread, round);
+            }
+        }));
     }
-    pool.waitForDone();
 }
 
 } // namespace
@@ -48,14 +48,13 @@ private Q_SLOTS:
         TaskJournal journal(task);
         QVERIFY(!task.isRunning() && !task.isFinished() && !task.successful());
         task.work = [](Task &t) {
-            t.setTaskBrief(QStringLiteral("b"));
-            t.setStatus(QStringLiteral("s"));
+            t.setTaskBrief("b");
+            t.setStatus("s");
             t.setCurProgress(3, 10);
-            t.emitFailed(QStringLiteral("why"));
+            t.emitFailed("why");
         };
         task.start();
-        QCOMPARE(journal.story(),
-                 QStringLiteral("brief b, status s, 3/10, failed why, finished 0 why"));
+        QCOMPARE(journal.story(), "brief b, status s, 3/10, failed why, finished 0 why");
         QVERIFY(!task.isRunning() && task.isFinished());
 
         task.work = [](Task &t) { QTimer::singleShot(0, &t, [&t] { t.emitSucceeded(); }); };
@@ -63,8 +62,8 @@ private Q_SLOTS:
         QVERIFY(task.isRunning() && !task.isFinished() && task.failReason().isEmpty());
         QTRY_VERIFY(task.isFinished());
         task.emitSucceeded();
-        task.emitFailed(QStringLiteral("crash of the running game"));
-        QCOMPARE(journal.story(), QStringLiteral("finished 1 , failed crash of the running game"));
+        task.emitFailed("crash of the running game");
+        QCOMPARE(journal.story(), "finished 1 , failed crash of the running game");
         QVERIFY(task.successful() && task.failReason().isEmpty());
     }
 
@@ -77,7 +76,7 @@ private Q_SLOTS:
                 connect(task, &TaskAbstract::failed, this, [task] { delete task; });
             else
                 connect(task, &TaskAbstract::finished, this, [task] { delete task; });
-            task->work = [](Task &t) { t.emitFailed(QStringLiteral("why")); };
+            task->work = [](Task &t) { t.emitFailed("why"); };
             task->start();
             QVERIFY(watch.isNull());
         }
@@ -89,7 +88,8 @@ private Q_SLOTS:
         QStringList expected;
         for (int step = 0; step < steps; ++step)
             expected << QStringLiteral("status %1").arg(step) << QStringLiteral("%1/500").arg(step);
-        expected << QStringLiteral("failed why") << QStringLiteral("finished 0 why");
+        expected << "failed why"
+                 << "finished 0 why";
 
         std::vector<std::unique_ptr<Task>> all;
         std::vector<std::unique_ptr<TaskJournal>> journals;
@@ -101,10 +101,10 @@ private Q_SLOTS:
                     t.setStatus(QString::number(step));
                     t.setCurProgress(quint64(step), steps);
                 }
-                t.emitFailed(QStringLiteral("why"));
+                t.emitFailed("why");
             };
         }
-        runTogether(tasks, [&all](int i) { all[std::size_t(i)]->start(); });
+        runTogether(tasks, 1, [&all](int i, int) { all[std::size_t(i)]->start(); });
         for (const auto &journal : journals)
             QVERIFY2(journal->lines.isEmpty(), "delivery waits for this thread's event loop");
         for (const auto &journal : journals)
@@ -113,17 +113,22 @@ private Q_SLOTS:
 
     void threadsThatEndATaskAtOnceEndItOnce()
     {
-        for (int round = 0; round < 200; ++round) {
-            Task task;
-            std::atomic<int> ends{0};
+        constexpr int rounds = 3000;
+        std::vector<Task> tasks(rounds);
+        std::vector<std::atomic<int>> ends(rounds);
+        for (std::size_t i = 0; i < rounds; ++i) {
             connect(
-                &task, &TaskAbstract::finished, &task, [&] { ++ends; }, Qt::DirectConnection);
-            task.start();
-            runTogether(3, [&task](int i) {
-                i == 0 ? task.emitSucceeded() : task.emitFailed(QString::number(i));
-            });
-            QCOMPARE(ends.load(), 1);
-            QCOMPARE(task.successful(), task.failReason().isEmpty());
+                &tasks[i], &TaskAbstract::finished, this, [&ends, i] { ++ends[i]; },
+                Qt::DirectConnection);
+            tasks[i].start();
+        }
+        runTogether(2, rounds, [&tasks](int thread, int round) {
+            Task &task = tasks[std::size_t(round)];
+            thread == 0 ? task.emitSucceeded() : task.emitFailed("why");
+        });
+        for (std::size_t i = 0; i < rounds; ++i) {
+            QCOMPARE(ends[i].load(), 1);
+            QCOMPARE(tasks[i].successful(), tasks[i].failReason().isEmpty());
         }
     }
 };

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QDir>
+#include <QDirIterator>
+#include <QOperatingSystemVersion>
+#include <QProcess>
+#include <QTest>
+
+#include "support/jsonfskit/FS.h"
+
+/// Makes each of @p names, relative to @p folder, a file with a short content.
+inline void makeFiles(const QString &folder, const QStringList &names)
+{
+    for (const QString &name : names)
+        QVERIFY(FS::writeFile(folder + '/' + name, "x"));
+}
+
+/// Wine knows no junctions: a link of the system below is all there is, which looks like one but
+/// can not be removed.
+inline bool isWine()
+{
+    return qEnvironmentVariableIsSet("WINEPREFIX");
+}
+
+inline QByteArray outputOf(const QString &program, const QStringList &arguments)
+{
+    QProcess process;
+    process.start(program, arguments);
+    return process.waitForFinished() ? process.readAllStandardOutput().trimmed() : QByteArray();
+}
+
+/// Makes @p link a link to the folder @p target, on Windows a junction.
+inline void makeLink(const QString &target, const QString &link)
+{
+    const auto below = [](const QString &path) {
+        return QString::fromUtf8(outputOf("winepath", {"-u", QDir::toNativeSeparators(path)}));
+    };
+    if (isWine())
+        outputOf("start", {"/wait", "/unix", "/bin/ln", "-s", below(target), below(link)});
+    else if (QOperatingSystemVersion::currentType() == QOperatingSystemVersion::Windows)
+        outputOf("cmd", {"/c", "mklink", "/J", QDir::toNativeSeparators(link),
+                         QDir::toNativeSeparators(target)});
+    else
+        QFile::link(target, link);
+    QVERIFY(QFileInfo::exists(link));
+}
+
+/// All entries below @p folder, relative, sorted and joined by blanks; links are not followed.
+inline QString treeOf(const QString &folder)
+{
+    QStringList names;
+    QDirIterator it(folder, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                    QDirIterator::Subdirectories);
+    while (it.hasNext())
+        names << QDir(folder).relativeFilePath(it.next());
+    names.sort();
+    return names.join(' ');
+}
