@@ -1,11 +1,10 @@
 #include "platform/OtherProcesses.h"
 
-#include <memory>
-#include <type_traits>
-
 #include <windows.h>
 
 #include <QThread>
+
+#include "platform/win32/Handle.h"
 
 namespace platform {
 
@@ -14,15 +13,9 @@ namespace {
 /// Waiting goes in slices, so that the end of the process and an interruption are seen between.
 constexpr DWORD sliceMs = 100;
 
-struct CloseProcess
+Handle openProcess(DWORD rights, qint64 processId)
 {
-    void operator()(HANDLE process) const { CloseHandle(process); }
-};
-using Process = std::unique_ptr<std::remove_pointer_t<HANDLE>, CloseProcess>;
-
-Process openProcess(DWORD rights, qint64 processId)
-{
-    return Process(OpenProcess(rights, FALSE, static_cast<DWORD>(processId)));
+    return Handle(OpenProcess(rights, FALSE, static_cast<DWORD>(processId)));
 }
 
 struct WindowSearch
@@ -48,8 +41,8 @@ class WindowsProcesses final : public OtherProcesses
 public:
     std::optional<quint32> end(qint64 processId) const override
     {
-        const Process process = openProcess(PROCESS_TERMINATE, processId);
-        if (!process)
+        const Handle process = openProcess(PROCESS_TERMINATE, processId);
+        if (!process.isValid())
             return GetLastError();
         // Fails only for a process that is ending anyway.
         TerminateProcess(process.get(), 0);
@@ -58,8 +51,8 @@ public:
 
     InputWait waitForInput(qint64 processId) const override
     {
-        const Process process = openProcess(SYNCHRONIZE | PROCESS_QUERY_INFORMATION, processId);
-        if (!process)
+        const Handle process = openProcess(SYNCHRONIZE | PROCESS_QUERY_INFORMATION, processId);
+        if (!process.isValid())
             return InputWait::GaveUp;
         DWORD result = WAIT_TIMEOUT;
         while (result == WAIT_TIMEOUT && !QThread::currentThread()->isInterruptionRequested()) {
