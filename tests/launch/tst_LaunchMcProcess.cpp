@@ -140,7 +140,7 @@ private Q_SLOTS:
 
     void aGameWithoutItsDirectoryStillRuns()
     {
-        GameRun<> run(QStringLiteral("flood 1"));
+        GameRun<> run(QStringLiteral("print x"));
         QVERIFY(FS::writeFile(run.instance, "a file"));
         m_processes->comesUp = false;
         const LogCapture log;

@@ -4,11 +4,6 @@
 
 #include <windows.h>
 
-// The C run time shall expand wildcards in bare arguments, as a Java program does.
-extern "C" {
-int _dowildcard = -1;
-}
-
 namespace StubSystem {
 
 static HWND window = nullptr;
