@@ -31,6 +31,10 @@ RIVETPLATFORM_EXPORT RemovalAttempt removeEntry(const QString &path, EntryKind k
 /// Makes sure that entries of the real folder @p path may be removed by its owner.
 RIVETPLATFORM_EXPORT void openForRemoval(const QString &path);
 
+/// Gives the file @p from the name @p to in one step, also when a file of that name is there. Both
+/// lie on one file system. On false both names are as they were.
+[[nodiscard]] RIVETPLATFORM_EXPORT bool replaceFile(const QString &from, const QString &to);
+
 /// A form of @p path that is equal for two spellings of one file name: as it is where names differ
 /// by case, case-folded where they do not.
 RIVETPLATFORM_EXPORT QString comparableName(const QString &path);

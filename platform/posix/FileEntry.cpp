@@ -1,6 +1,7 @@
 #include "platform/FileEntry.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -39,6 +40,11 @@ void openForRemoval(const QString &path)
     };
     if (lstat(name.constData(), &folder) == 0 && (folder.st_mode & S_IRWXU) != S_IRWXU)
         chmod(name.constData(), (folder.st_mode & 07777) | S_IRWXU);
+}
+
+bool replaceFile(const QString &from, const QString &to)
+{
+    return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
 }
 
 QString comparableName(const QString &path)

@@ -70,6 +70,12 @@ void openForRemoval(const QString &)
     // The write protection of a folder does not keep its entries here.
 }
 
+bool replaceFile(const QString &from, const QString &to)
+{
+    return MoveFileExW(nativePath(from).c_str(), nativePath(to).c_str(),
+                       MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+}
+
 QString comparableName(const QString &path)
 {
     return path.toCaseFolded();
