@@ -28,10 +28,10 @@ struct Sink final : IHttpRequestSink, IHttpRequestSinkEx
         task.reset();
         note(id, error, copy);
     }
-    void note(unsigned short id, int error, const QByteArray &body)
+    void note(unsigned short id, int error, const QByteArray &data)
     {
         if (QThread::currentThread() == qApp->thread() && id == 7)
-            reports << qMakePair(error, body);
+            reports << qMakePair(error, data);
     }
     std::unique_ptr<HttpRequestTask> task;
     QList<QPair<int, QByteArray>> reports;

@@ -191,13 +191,14 @@ TestServer::TestServer(Scheme scheme) : m_scheme(scheme)
 {
     if (!listen(QHostAddress::LocalHost))
         qFatal("the test server cannot listen");
+    m_port = serverPort();
 }
 
 QUrl TestServer::url(const QString &path) const
 {
     const QString scheme =
         m_scheme == Scheme::Http ? QStringLiteral("http") : QStringLiteral("https");
-    return QUrl(QStringLiteral("%1://127.0.0.1:%2%3").arg(scheme).arg(serverPort()).arg(path));
+    return QUrl(QStringLiteral("%1://127.0.0.1:%2%3").arg(scheme).arg(m_port).arg(path));
 }
 
 TestServer::Script &TestServer::at(const QString &path)

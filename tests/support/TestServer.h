@@ -107,6 +107,7 @@ private:
     Answer nextAnswer(const QString &path);
 
     const Scheme m_scheme;
+    quint16 m_port = 0; ///< also after goAway()
     QHash<QString, Script> m_scripts;
     QList<Request> m_requests;
 };
