@@ -6,6 +6,7 @@
 #include <QNetworkReply>
 #include <QNetworkRequest>
 
+#include "support/coresupport/ErrorReply.h"
 #include "support/coresupport/IHttpRequestSink.h"
 #include "support/coresupport/IHttpRequestSinkEx.h"
 
@@ -20,11 +21,28 @@ QNetworkRequest makeRequest(const QUrl &url)
     return request;
 }
 
-int errorOf(QNetworkReply *reply, bool timedOut)
+/// True for a body that ended before its announced length. Qt 5 takes it for whole when the answer
+/// had come before Qt noted that the request was sent.
+bool isCutOff(const QNetworkReply &reply)
+{
+    bool isAnnounced = false;
+    const qint64 length = reply.rawHeader("Content-Length").toLongLong(&isAnnounced);
+    return isAnnounced && reply.error() == QNetworkReply::NoError &&
+           reply.bytesAvailable() < length;
+}
+
+/// What the sink has to see in the place of @p reply; null when that is right as it is.
+QNetworkReply *replacementFor(const QNetworkReply *reply, bool timedOut)
 {
     if (!reply)
-        return QNetworkReply::UnknownNetworkError;
-    return timedOut ? QNetworkReply::TimeoutError : reply->error();
+        return new ErrorReply(QNetworkReply::UnknownNetworkError,
+                              QStringLiteral("no network access manager"), nullptr);
+    if (timedOut)
+        return new ErrorReply(QNetworkReply::TimeoutError, QStringLiteral("timed out"), reply);
+    if (isCutOff(*reply))
+        return new ErrorReply(QNetworkReply::RemoteHostClosedError,
+                              QStringLiteral("the body was cut off"), reply);
+    return nullptr;
 }
 
 } // namespace
@@ -111,11 +129,19 @@ void HttpRequestTask::report(quint64 run)
     m_isRunning = false;
     const std::shared_ptr<QNetworkAccessManager> manager = std::move(m_managerInUse);
     QNetworkReply *reply = std::exchange(m_reply, nullptr);
-    if (reply)
-        reply->deleteLater();
-    // From here on the task may be gone.
+    QNetworkReply *replacement = replacementFor(reply, m_timedOut);
+    for (QNetworkReply *used : {reply, replacement}) {
+        if (used)
+            used->deleteLater();
+    }
+    callSink(replacement ? replacement : reply);
+}
+
+/// The task may be gone afterwards.
+void HttpRequestTask::callSink(QNetworkReply *reply)
+{
     if (m_sinkEx) {
-        const int error = errorOf(reply, m_timedOut);
+        const int error = reply->error();
         const QByteArray body = error == 0 ? reply->readAll() : QByteArray();
         m_sinkEx->httpRequestFinishedEx(m_requestId, error, body);
     } else if (m_sink) {

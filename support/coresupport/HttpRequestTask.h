@@ -22,17 +22,18 @@ class QNetworkReply;
 /// report it may be started again.
 ///
 /// A body arrives whole or the reply shows an error: one that ends before its announced length is a
-/// RemoteHostClosedError. No compressed transfer is asked for, since Qt takes a compressed body
-/// that was cut off for a whole one. Redirects are followed unless they lower the security of the
-/// scheme. Certificate errors are the business of the manager's owner.
+/// RemoteHostClosedError, without a body, although Qt takes some of those for whole ones. No
+/// compressed transfer is asked for, because there Qt loses sight of the length. Redirects are
+/// followed unless they lower the security of the scheme. Certificate errors are the business of
+/// the manager's owner.
 class CORESUPPORT_EXPORT HttpRequestTask : public QObject, public IHttpRequestTask
 {
     Q_OBJECT
 public:
     /// @p url is parsed tolerantly; an invalid one is reported as an error. @p sink is not owned
     /// and may be null. @p timeoutMs covers the whole exchange, redirects and body included; 0 is
-    /// no time-out. When it passes, an IHttpRequestSink sees a reply with OperationCanceledError,
-    /// an IHttpRequestSinkEx gets TimeoutError. @p requestId comes back in the report.
+    /// no time-out. When it passes, the error is TimeoutError. @p requestId comes back in the
+    /// report.
     HttpRequestTask(const QString &url, IHttpRequestSink *sink, unsigned int timeoutMs,
                     unsigned short requestId, QObject *parent);
     ~HttpRequestTask() override;
@@ -40,7 +41,7 @@ public:
     /// Also takes the place of the sink given to the constructor.
     void SetSink(IHttpRequestSinkEx *sink) override;
     /// Shared; a request in flight keeps the one that it was started with. Without a manager the
-    /// request ends in an error: a null reply for an IHttpRequestSink.
+    /// request ends in UnknownNetworkError.
     void SetNetworkAccessManager(std::shared_ptr<QNetworkAccessManager> manager) override;
     void Cancel() override;
     /// Does nothing while a request is in flight.
@@ -50,6 +51,7 @@ private:
     void onTimeout();
     void onReplyFinished();
     void report(quint64 run);
+    void callSink(QNetworkReply *reply);
 
     const QUrl m_url;
     const std::chrono::milliseconds m_timeout;

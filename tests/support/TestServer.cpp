@@ -40,7 +40,7 @@ private:
     {
         m_input += m_socket.readAll();
         const int end = m_input.indexOf("\r\n\r\n");
-        if (m_isAnswering || end < 0)
+        if (m_isAnswering || end < 0 || m_answer.cutAfter >= 0)
             return;
         const QList<QByteArray> lines = m_input.left(end).replace('\r', "").split('\n');
         m_input.remove(0, end + 4);
@@ -52,12 +52,13 @@ private:
             request.headers.insert(line.left(colon).toLower(), line.mid(colon + 1).trimmed());
         }
         m_answer = m_server.nextAnswer(request.path);
-        begin(request);
+        m_isAnswering = true;
+        QTimer::singleShot(m_answer.latencyMs, Qt::PreciseTimer, this,
+                           [this, request]() mutable { begin(request); });
     }
 
     void begin(TestServer::Request &request)
     {
-        m_isAnswering = true;
         m_next = 0;
         m_end = m_answer.body.size();
         QByteArray head;
@@ -144,8 +145,12 @@ private:
         if (m_toSend > 0)
             return;
         m_pause.stop();
-        if (m_answer.cutAfter >= 0)
-            return m_socket.disconnectFromHost();
+        if (m_answer.cutAfter >= 0) {
+            m_isAnswering = false;
+            QTimer::singleShot(m_answer.latencyMs, Qt::PreciseTimer, &m_socket,
+                               [this] { m_socket.disconnectFromHost(); });
+            return;
+        }
         m_isAnswering = m_answer.stallAfter > 0;
         if (m_isAnswering)
             m_answer.stallAfter = 0;

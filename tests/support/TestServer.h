@@ -30,6 +30,7 @@ public:
         qint64 cutAfter = -1;
         qint64 stallAfter = -1;
         qint64 lengthClaim = -1;
+        int latencyMs = 5; ///< before the head and before a close
         int bytesPerPause = 0;
         int pauseMs = 0;
         bool knowsRanges = true;
@@ -53,6 +54,10 @@ public:
         Script &redirect(const QUrl &to) { return status(302).header("Location", to.toEncoded()); }
         /// Closes the connection after @p bytes of the body.
         Script &cutAfter(qint64 bytes) { return set(&Answer::cutAfter, bytes); }
+        /// Answers and closes without the latency of a real network. When an answer is there before
+        /// Qt 5 has noted that its request was sent, it takes a body that is cut off for a whole
+        /// one, and sends the request again by itself.
+        Script &atOnce() { return set(&Answer::latencyMs, 0); }
         /// Says nothing more after @p bytes of the body; -1: not even the head is sent.
         Script &stallAfter(qint64 bytes) { return set(&Answer::stallAfter, bytes + 1); }
         Script &stall() { return stallAfter(-1); }

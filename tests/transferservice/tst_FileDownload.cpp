@@ -10,6 +10,7 @@
 
 #include "support/jsonfskit/FS.h"
 #include "support/transferservice/FileDownload.h"
+#include "tests/support/Await.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/TestServer.h"
 
@@ -19,7 +20,7 @@ using Script = TestServer::Script;
 using Manager = std::shared_ptr<QNetworkAccessManager>;
 using std::chrono::milliseconds;
 
-constexpr int stopped = 0, finished = 3, failed = 4;
+constexpr int stopped = 0, finished = 3, failed = 4, anyNumber = -1;
 constexpr int size = 4 * 1024 * 1024, half = size / 2;
 const QString path = QStringLiteral("/file");
 
@@ -54,7 +55,7 @@ public:
     int run()
     {
         start();
-        return QTest::qWaitFor([this] { return isOver(); }, 20'000) ? last() : -1;
+        return await([this] { return isOver(); }) ? last() : -1;
     }
     QList<int> steps, percents;
 };
@@ -107,6 +108,8 @@ const Fault faults[] = {
          s.then().cutAfter(size / 64);
      },
      finished, 64, 63, once},
+    {"closes at once after every 64th", [](Script &s) { s.cutAfter(size / 64).atOnce(); }, finished,
+     anyNumber, anyNumber, 3 * size},
     {"range ignored", [](Script &s) { s.cutAfter(half).then().ignoreRange(); }, finished, 2, 1,
      half + once},
     {"range refused", [](Script &s) { s.cutAfter(half).then().status(416).then(); }, finished, 3, 1,
@@ -249,8 +252,11 @@ private Q_SLOTS:
         fault.script(server.at(path).serve(body).etag("\"1\""));
         Download download(server.url(path), target.file);
         QCOMPARE(download.run(), fault.status);
-        QCOMPARE(server.requests().size(), fault.requests);
-        QCOMPARE(rangeRequests(server), fault.ranges);
+        QVERIFY2(fault.requests == anyNumber || (server.requests().size() == fault.requests &&
+                                                 rangeRequests(server) == fault.ranges),
+                 qPrintable(QStringLiteral("%1 requests, %2 ranges")
+                                .arg(server.requests().size())
+                                .arg(rangeRequests(server))));
         QVERIFY2(server.bodySentBytes() <= fault.sentBytes,
                  qPrintable(QString::number(server.bodySentBytes())));
         const bool isFinished = fault.status == finished;
@@ -294,7 +300,7 @@ private Q_SLOTS:
         server.at(path).serve(body).etag("\"1\"").trickle(16'384, 1);
         QProcess child;
         child.start(QCoreApplication::applicationFilePath(), arguments(server, target.file));
-        QTRY_VERIFY(server.bodySentBytes() > half);
+        QVERIFY(await([&] { return server.bodySentBytes() > half; }));
         child.kill();
         QVERIFY(child.waitForFinished());
         QVERIFY(target.content() == "absent");
@@ -321,7 +327,7 @@ private Q_SLOTS:
                     QStringList{QStringLiteral("-c"), QString::fromLatin1(disk.script),
                                 QCoreApplication::applicationFilePath(),
                                 server.url(path).toString(), target.folder.path()});
-        QTRY_COMPARE_WITH_TIMEOUT(child.state(), QProcess::NotRunning, 20'000);
+        QVERIFY(await([&] { return child.state() == QProcess::NotRunning; }));
         if (child.exitCode() == 77)
             QSKIP("mounting a small file system needs more rights");
         QCOMPARE(child.exitCode(), finished);
@@ -337,7 +343,7 @@ private Q_SLOTS:
         const auto runUntilHalf = [&download] {
             download.start();
             download.start(); // does nothing
-            return QTest::qWaitFor([&] { return download.GetCurDownloadedSize() > half; });
+            return await([&] { return download.GetCurDownloadedSize() > half; });
         };
         QVERIFY(runUntilHalf());
         download.stop();
@@ -371,7 +377,7 @@ private Q_SLOTS:
             connect(download, &FileDownloadAbstract::progressChanged, this,
                     [=](quint32) { status == 100 ? delete download : void(); });
             download->start();
-            QTRY_COMPARE(gone.size(), 1);
+            QVERIFY(await([&] { return gone.size() == 1; }));
             QVERIFY(FS::removeTree(target.folder.path()));
         }
     }
@@ -389,7 +395,7 @@ private Q_SLOTS:
             all.back()->start();
         }
         for (const auto &download : all)
-            QTRY_COMPARE_WITH_TIMEOUT(download->last(), finished, 20'000);
+            QVERIFY(await([&] { return download->isOver(); }) && download->last() == finished);
         QCOMPARE(server.requests().size(), 13);
     }
 
