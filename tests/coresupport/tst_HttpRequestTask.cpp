@@ -54,7 +54,7 @@ private Q_SLOTS:
         row("whole", "/whole", R::NoError);
         row("redirected", "/moved", R::NoError);
         row("time-out before the head", "/stall", R::TimeoutError);
-        row("time-out of a body that trickles", "/trickle", R::TimeoutError);
+        row("time-out of a slow body", "/trickle", R::TimeoutError);
         row("not found", "/none", R::ContentNotFoundError);
         row("body cut off", "/cut", R::RemoteHostClosedError);
         row("body cut off at once", "/cutAtOnce", R::RemoteHostClosedError);
@@ -101,8 +101,8 @@ private Q_SLOTS:
             QTest::qWait(1);
             QCOMPARE(sink.reports.size(), 1);
             QCOMPARE(sink.reports.first().first, error);
-            QCOMPARE(sink.reports.first().second == body, error == 0);
-            QVERIFY(error == 0 || usesEx == false || sink.reports.first().second.isEmpty());
+            if (usesEx || error == 0)
+                QVERIFY(sink.reports.first().second == (error == 0 ? body : QByteArray()));
         }
     }
 
