@@ -58,6 +58,10 @@ RIVETPLATFORM_EXPORT bool isSameEntry(const NativePath &a, const NativePath &b);
 /// a file system at all, such as a device or a drive's current folder.
 RIVETPLATFORM_EXPORT bool isRootOrDevice(const QString &path);
 
+/// Gives the file @p from the name @p to in one step, also when a file of that name is there. Both
+/// lie on one file system. On false both names are as they were.
+[[nodiscard]] RIVETPLATFORM_EXPORT bool replaceFile(const QString &from, const QString &to);
+
 /// A form of @p path that is equal for two spellings of one file name: as it is where names differ
 /// by case, case-folded where they do not.
 RIVETPLATFORM_EXPORT QString comparableName(const QString &path);

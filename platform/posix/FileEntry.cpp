@@ -1,6 +1,7 @@
 #include "platform/FileEntry.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -73,6 +74,11 @@ bool isSameEntry(const NativePath &a, const NativePath &b)
 bool isRootOrDevice(const QString &path)
 {
     return QDir::cleanPath(QDir(path).absolutePath()) == QLatin1String("/");
+}
+
+bool replaceFile(const QString &from, const QString &to)
+{
+    return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
 }
 
 QString comparableName(const QString &path)

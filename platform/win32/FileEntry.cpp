@@ -140,6 +140,12 @@ bool isRootOrDevice(const QString &path)
            QDir(QDir::cleanPath(QDir(path).absolutePath())).isRoot();
 }
 
+bool replaceFile(const QString &from, const QString &to)
+{
+    return MoveFileExW(nativePath(from).c_str(), nativePath(to).c_str(),
+                       MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+}
+
 QString comparableName(const QString &path)
 {
     return path.toCaseFolded();
