@@ -4,7 +4,7 @@
 
 #include "platform/RivetPlatformExport.h"
 
-/// One name in a folder, looked at and removed without ever following a link.
+/// One name in a folder, looked at, removed and renamed without ever following a link.
 /// Paths are absolute, with forward slashes, and may be longer than the system's classic limit.
 namespace platform {
 
@@ -27,6 +27,16 @@ struct RemovalAttempt
 /// Removes one file, one link (never what it points to) or one empty folder, write-protected or
 /// not. Tries once and does not block.
 RIVETPLATFORM_EXPORT RemovalAttempt removeEntry(const QString &path, EntryKind kind);
+
+enum class RenameOutcome {
+    Renamed,
+    OtherFileSystem, ///< only a copy gets there; nothing has changed
+    Failed,          ///< nothing has changed
+};
+
+/// Gives the entry @p from, be it a link itself, the name @p to in one step. Never replaces an
+/// entry; does not block.
+RIVETPLATFORM_EXPORT RenameOutcome renameEntry(const QString &from, const QString &to);
 
 /// Makes sure that entries of the real folder @p path may be removed by its owner.
 RIVETPLATFORM_EXPORT void openForRemoval(const QString &path);

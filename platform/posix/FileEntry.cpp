@@ -1,6 +1,8 @@
 #include "platform/FileEntry.h"
 
 #include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -29,6 +31,20 @@ RemovalAttempt removeEntry(const QString &path, EntryKind kind)
     if (result == 0 || error == ENOENT)
         return {true, false, {}};
     return {false, error == EBUSY || error == ETXTBSY || error == EINTR, qt_error_string(error)};
+}
+
+RenameOutcome renameEntry(const QString &from, const QString &to)
+{
+    const QByteArray source = QFile::encodeName(from);
+    const QByteArray target = QFile::encodeName(to);
+    int result =
+        renameat2(AT_FDCWD, source.constData(), AT_FDCWD, target.constData(), RENAME_NOREPLACE);
+    // Some file systems can't promise to replace nothing: look first there.
+    if (result != 0 && (errno == EINVAL || errno == ENOSYS) && entryKind(to) == EntryKind::Missing)
+        result = std::rename(source.constData(), target.constData());
+    if (result == 0)
+        return RenameOutcome::Renamed;
+    return errno == EXDEV ? RenameOutcome::OtherFileSystem : RenameOutcome::Failed;
 }
 
 void openForRemoval(const QString &path)

@@ -65,6 +65,14 @@ RemovalAttempt removeEntry(const QString &path, EntryKind)
     return {false, isPassing(error), qt_error_string(static_cast<int>(error))};
 }
 
+RenameOutcome renameEntry(const QString &from, const QString &to)
+{
+    if (MoveFileExW(nativePath(from).c_str(), nativePath(to).c_str(), 0))
+        return RenameOutcome::Renamed;
+    return GetLastError() == ERROR_NOT_SAME_DEVICE ? RenameOutcome::OtherFileSystem
+                                                   : RenameOutcome::Failed;
+}
+
 void openForRemoval(const QString &)
 {
     // The write protection of a folder does not keep its entries here.
