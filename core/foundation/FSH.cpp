@@ -81,10 +81,13 @@ bool moveFile(const QString &from, const QString &to, bool keepTarget)
 {
     if (kindOf(from) == EntryKind::Missing)
         return false;
-    // A file that is moved onto itself is not removed first.
-    if (!keepTarget && kindOf(to) != EntryKind::Missing && !FileMove::isSameEntry(from, to))
+    // A file that is moved onto itself is not removed first. Its name may still change its case.
+    const bool isSame = FileMove::isSameEntry(from, to);
+    if (isSame && QFileInfo(from).fileName() == QFileInfo(to).fileName())
+        return false;
+    if (!isSame && !keepTarget && kindOf(to) != EntryKind::Missing)
         FileMove::removeTarget(to);
-    return from != to && FileMove::rename(from, to);
+    return FileMove::rename(from, to);
 }
 
 bool moveContent(const QString &from, const QString &to, bool keepTarget)

@@ -1,34 +1,12 @@
 #include <memory>
 
-#include <QDirIterator>
 #include <QTemporaryDir>
 #include <QtTest>
 
 #include "support/coresupport/CCommonFunction.h"
 #include "support/jsonfskit/FS.h"
+#include "tests/support/FileTree.h"
 #include "tests/support/LogCapture.h"
-
-namespace {
-
-void makeFiles(const QString &folder, const QStringList &names)
-{
-    for (const QString &name : names)
-        QVERIFY(FS::writeFile(folder + QLatin1Char('/') + name, "x"));
-}
-
-/// All entries below @p folder, relative and sorted; links are not followed.
-QString treeOf(const QString &folder)
-{
-    QStringList names;
-    QDirIterator it(folder, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
-                    QDirIterator::Subdirectories);
-    while (it.hasNext())
-        names << QDir(folder).relativeFilePath(it.next());
-    names.sort();
-    return names.join(QLatin1Char(' '));
-}
-
-} // namespace
 
 class tst_Removal : public QObject
 {
@@ -39,10 +17,8 @@ private Q_SLOTS:
         m_dir = std::make_unique<QTemporaryDir>();
         m_ours = m_dir->filePath(QStringLiteral("ours"));
         m_outside = m_dir->filePath(QStringLiteral("outside"));
-        makeFiles(m_ours,
-                  {QStringLiteral("a.txt"), QStringLiteral(".hidden"), QStringLiteral("sub/b.txt"),
-                   QStringLiteral("sub/deep/c.txt"), QStringLiteral("other/d.txt")});
-        makeFiles(m_outside, {QStringLiteral("precious")});
+        QVERIFY(makeFiles(m_ours, text("a.txt .hidden sub/b.txt sub/deep/c.txt other/d.txt")));
+        QVERIFY(makeFiles(m_outside, text("precious")));
         qputenv("HOME", QFile::encodeName(m_dir->filePath(QStringLiteral("home/player"))));
         QVERIFY(QDir().mkpath(QDir::homePath()));
     }
@@ -96,7 +72,7 @@ private Q_SLOTS:
 
     void refusesDangerousPaths()
     {
-        makeFiles(QDir::homePath(), {QStringLiteral("precious")});
+        QVERIFY(makeFiles(QDir::homePath(), text("precious")));
         QVERIFY(QFile::link(m_dir->filePath(QStringLiteral("home")),
                             m_dir->filePath(QStringLiteral("way"))));
         const QString before = treeOf(m_dir->path());

@@ -1,0 +1,92 @@
+#include <QSettings>
+
+#include "core/foundation/MCSettings.h"
+#include "platform/FixedDrives.h"
+#include "support/jsonfskit/FS.h"
+#include "tests/support/FileTree.h"
+#include "tests/support/Sandbox.h"
+
+struct FakeDrives : platform::FixedDrives
+{
+    QVector<platform::FixedDrive> table() const override { return drives; }
+    QVector<platform::FixedDrive> drives;
+};
+
+class tst_MCSettings : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase() { platform::FixedDrives::replace(&m_drives); }
+    void cleanupTestCase() { platform::FixedDrives::replace(nullptr); }
+
+    void settlesTheDataPath()
+    {
+        // Files there are, gigabytes free on the drives, DataPath, ChangedDataDir, end of the
+        // result.
+        for (const char *row :
+             {"x|C50 D20 E80|||%1/E/rivet_game", "E|C50 D20 E80|||%1/C/rivet_game",
+              "C E|C50 D20 E80|||/tests/sandboxrivet_game", "x|C50 D50|||%1/C/rivet_game",
+              "C|C50 D50|||/tests/sandboxrivet_game", "x|C0|||/tests/sandboxrivet_game",
+              "x||||/tests/sandboxrivet_game", "x|C1|%1/data||%1/data",
+              "f|C1|%1/f||%1/C/rivet_game", "f|C1|%1/f|%1/f|%1/C/rivet_game",
+              "x|C1|%1/data|%1/new|%1/new", "f|C1|%1/data|%1/f/new|%1/data",
+              "x ../rivet_game|C1|||%1/C/rivet_game", "x ../rivet_game/a|C1|||./rivet_game",
+              "x|C1|./rivet_game/a||./rivet_game/a"}) {
+            const QStringList cells = columns(row).replaceInStrings(text("%1"), m_world);
+            QVERIFY(FS::removeTree(m_world) &&
+                    FS::removeTree(m_appDir.filePath(text("rivet_game"))));
+            QVERIFY(makeFiles(m_world, cells[0]));
+            QVERIFY2(validated(cells[1], cells[2], cells[3]).endsWith(cells[4]), row);
+            QVERIFY2(!treeOf(m_world).contains(text("temp")), row);
+            QVERIFY2(!QSettings().contains(text("ChangedDataDir")), row);
+        }
+        QVERIFY(QDir().mkpath(m_world + text("/D")));
+        if (!QFile::link(text("/proc/self"), m_world + text("/D/rivet_game")) ||
+            !QFileInfo(m_world + text("/D/rivet_game")).isDir())
+            QSKIP("no folder here that nobody can write, in one that we can");
+        QVERIFY(FS::removeTree(m_appDir.filePath(text("rivet_game"))));
+        QVERIFY(validated(text("D1"), {}, {}).endsWith(text("/tests/sandboxrivet_game")));
+    }
+
+    void setsDefaultsOnceAndTheChannelAlways()
+    {
+        QSettings store;
+        store.setValue(text("notifyupdate"), false);
+        for (const char *row : {"channel=shop|oriel", "[OPTION]\nchannel=|oriel",
+                                "[OPTION]\nchannel=shop 7|shop 7"}) {
+            store.setValue(text("channel"), text("mine"));
+            QVERIFY(
+                FS::writeFile(m_appDir.filePath(text("config.ini")), columns(row)[0].toLatin1()));
+            MCSettings().validateSettingValues();
+            QCOMPARE(store.value(text("channel")).toString(), columns(row)[1]);
+        }
+        const QByteArray saved = FS::readFile(store.fileName()).value();
+        for (const char *line : {"notifyupdate=false", "minimizeOnClose=true",
+                                 "JavaParam=", "ShowTrayBalloonMsg=true", "channel=shop 7"})
+            QVERIFY2(saved.contains(line), line);
+    }
+
+private:
+    /// The DataPath that a start settles on.
+    QString validated(const QString &drives, const QString &stored, const QString &changed)
+    {
+        m_drives.drives.clear();
+        for (const QString &drive : drives.split(QLatin1Char(' '))) {
+            const QString root = m_world + QLatin1Char('/') + drive.left(1) + QLatin1Char('/');
+            if (!drive.isEmpty())
+                m_drives.drives.append({root, drive.mid(1).toULongLong() << 30});
+        }
+        QSettings store;
+        store.setValue(text("DataPath"), stored);
+        store.setValue(text("ChangedDataDir"), changed);
+        MCSettings().validateSettingValues();
+        return store.value(text("DataPath")).toString();
+    }
+
+    const QDir m_appDir{QCoreApplication::applicationDirPath()};
+    const QString m_world = m_appDir.filePath(text("world"));
+    FakeDrives m_drives;
+};
+
+RIVET_SANDBOXED_TEST_MAIN(tst_MCSettings)
+#include "tst_MCSettings.moc"
