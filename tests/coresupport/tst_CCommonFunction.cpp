@@ -94,7 +94,8 @@ private Q_SLOTS:
                                  "18446744073709551616 in 1: throws"}) {
             const QString row = QString::fromUtf8(text);
             const QString these = row.section(QStringLiteral(" in "), 0, 0);
-            const QString others = row.section(QStringLiteral(" in "), 1).section(QLatin1Char(':'), 0, 0);
+            const QString others =
+                row.section(QStringLiteral(" in "), 1).section(QLatin1Char(':'), 0, 0);
             QVERIFY2(row.endsWith(QLatin1String(isIn(these, others))), text);
         }
     }
