@@ -26,13 +26,17 @@ if(RIVET_SANITIZERS)
     add_link_options(-fsanitize=${RIVET_SANITIZERS})
 endif()
 
-# rivet_set_up_target(<target>): warnings and Qt rules of our own code.
+# rivet_set_up_target(<target> [TEST]): warnings and Qt rules of our own code. Tests may write texts
+# as plain literals.
 function(rivet_set_up_target target)
     target_compile_options(${target} PRIVATE
         -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
     target_compile_definitions(${target} PRIVATE
-        QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING QT_NO_FOREACH
-        QT_NO_KEYWORDS QT_USE_QSTRINGBUILDER QT_DEPRECATED_WARNINGS)
+        QT_NO_URL_CAST_FROM_STRING QT_NO_FOREACH QT_NO_KEYWORDS QT_DEPRECATED_WARNINGS)
+    if(NOT "TEST" IN_LIST ARGN)
+        target_compile_definitions(${target} PRIVATE
+            QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_USE_QSTRINGBUILDER)
+    endif()
 endfunction()
 
 # rivet_add_library(<target> FOLDER <folder> [SOURCES <file>...] [INTERNAL <file>...]
@@ -48,7 +52,8 @@ function(rivet_add_library target)
     add_library(Rivet::${target} ALIAS ${target})
     rivet_set_up_target(${target})
     set_target_properties(${target} PROPERTIES
-        VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+        VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
+        INSTALL_RPATH "$ORIGIN")
 
     set(export_header "${RIVET_GENERATED_DIR}/${ARG_FOLDER}/${target}Export.h")
     generate_export_header(${target} EXPORT_FILE_NAME "${export_header}")

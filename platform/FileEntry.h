@@ -1,21 +1,40 @@
 #pragma once
 
+#include <filesystem>
+#include <vector>
+
 #include <QString>
 
 #include "platform/RivetPlatformExport.h"
 
-/// One name in a folder, looked at, removed and renamed without ever following a link.
-/// Paths are absolute, with forward slashes, and may be longer than the system's classic limit.
+/// One entry of a folder, looked at, removed and renamed without ever following a link.
+///
+/// Paths are absolute and in the system's own form, which also holds names that a QString cannot,
+/// and on Windows is not limited to 260 characters.
 namespace platform {
+
+using NativePath = std::filesystem::path;
+
+RIVETPLATFORM_EXPORT NativePath toNative(const QString &absolutePath);
+/// For people and for comparison; the way back to the entry is not always there.
+RIVETPLATFORM_EXPORT QString fromNative(const NativePath &path);
 
 enum class EntryKind {
     Missing,
-    File,      ///< anything that is neither folder nor link
+    File,      ///< anything that is neither folder nor link, and what cannot be looked at
     Directory, ///< a real folder
     Link,      ///< a symbolic link or a junction, whatever it points to and whether that exists
 };
 
-RIVETPLATFORM_EXPORT EntryKind entryKind(const QString &path);
+RIVETPLATFORM_EXPORT EntryKind entryKind(const NativePath &path);
+
+struct FolderListing
+{
+    std::vector<NativePath> entries; ///< full paths, in the order of the file system
+    QString failure;                 ///< why the list is not whole; empty if it is
+};
+
+RIVETPLATFORM_EXPORT FolderListing listFolder(const NativePath &path);
 
 struct RemovalAttempt
 {
@@ -26,7 +45,7 @@ struct RemovalAttempt
 
 /// Removes one file, one link (never what it points to) or one empty folder, write-protected or
 /// not. Tries once and does not block.
-RIVETPLATFORM_EXPORT RemovalAttempt removeEntry(const QString &path, EntryKind kind);
+RIVETPLATFORM_EXPORT RemovalAttempt removeEntry(const NativePath &path, EntryKind kind);
 
 enum class RenameOutcome {
     Renamed,
@@ -36,10 +55,18 @@ enum class RenameOutcome {
 
 /// Gives the entry @p from, be it a link itself, the name @p to in one step. Never replaces an
 /// entry; does not block.
-RIVETPLATFORM_EXPORT RenameOutcome renameEntry(const QString &from, const QString &to);
+RIVETPLATFORM_EXPORT RenameOutcome renameEntry(const NativePath &from, const NativePath &to);
 
-/// Makes sure that entries of the real folder @p path may be removed by its owner.
-RIVETPLATFORM_EXPORT void openForRemoval(const QString &path);
+/// Makes sure that entries of the real folder @p path may be removed by its owner; where that does
+/// not work, their removal will say so.
+RIVETPLATFORM_EXPORT void openForRemoval(const NativePath &path);
+
+/// True if both paths lead, through whatever links and spellings, to one existing entry.
+RIVETPLATFORM_EXPORT bool isSameEntry(const NativePath &a, const NativePath &b);
+
+/// True for the root of a file system or of a network share, and for forms that name no entry of
+/// a file system at all, such as a device or a drive's current folder.
+RIVETPLATFORM_EXPORT bool isRootOrDevice(const QString &path);
 
 /// A form of @p path that is equal for two spellings of one file name: as it is where names differ
 /// by case, case-folded where they do not.

@@ -1,5 +1,7 @@
 #include "platform/MachineInfo.h"
 
+#include <QDir>
+
 #include "platform/ProcessorIdentity.h"
 #include "platform/Replaceable.h"
 
@@ -12,6 +14,7 @@ class RealMachine final : public MachineInfo
 public:
     bool is64Bit() const override { return isSystem64Bit(); }
     QByteArray processorIdentity() const override { return readProcessorIdentity(); }
+    QString homePath() const override { return QDir::homePath(); }
 };
 
 Replaceable<const MachineInfo> &machine()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QString>
 
 #include "platform/RivetPlatformExport.h"
 
@@ -20,6 +21,9 @@ public:
     /// The same bytes on every run on this machine, whichever core answers: vendor, model and
     /// brand of the processor as CPUID tells them.
     virtual QByteArray processorIdentity() const = 0;
+
+    /// The user's home directory, absolute.
+    virtual QString homePath() const = 0;
 
     static const MachineInfo &current();
 

@@ -12,9 +12,15 @@
 namespace FileMove {
 
 using platform::EntryKind;
+using platform::NativePath;
 using platform::RenameOutcome;
 
 namespace {
+
+NativePath toNative(const QString &path)
+{
+    return platform::toNative(QDir().absoluteFilePath(path));
+}
 
 bool copyContent(QFile &source, QFileDevice &target)
 {
@@ -34,7 +40,7 @@ bool moveByCopy(const QString &from, const QString &to)
     QFile source(from);
     QSaveFile target(to);
     const bool isFreeWay =
-        QFileInfo(from).isFile() && platform::entryKind(to) == EntryKind::Missing;
+        QFileInfo(from).isFile() && platform::entryKind(toNative(to)) == EntryKind::Missing;
     if (!isFreeWay || !source.open(QIODevice::ReadOnly) || !target.open(QIODevice::WriteOnly) ||
         !copyContent(source, target))
         return false;
@@ -45,18 +51,10 @@ bool moveByCopy(const QString &from, const QString &to)
     if (!target.commit())
         return false;
     source.close();
-    if (platform::removeEntry(from, EntryKind::File).removed)
+    if (platform::removeEntry(toNative(from), EntryKind::File).removed)
         return true;
-    platform::removeEntry(to, EntryKind::File);
+    platform::removeEntry(toNative(to), EntryKind::File);
     return false;
-}
-
-/// A link in the last place stays one.
-QString entryIdentity(const QString &path)
-{
-    const QFileInfo info(path);
-    return platform::comparableName(
-        QString(info.absoluteDir().canonicalPath() % QLatin1Char('/') % info.fileName()));
 }
 
 } // namespace
@@ -67,7 +65,7 @@ void removeTarget(const QString &target)
         return;
     QFile file(target);
     const QFileDevice::Permissions before = file.permissions();
-    const bool isFile = platform::entryKind(QDir().absoluteFilePath(target)) == EntryKind::File;
+    const bool isFile = platform::entryKind(toNative(target)) == EntryKind::File;
     if (isFile && file.setPermissions(QFileDevice::ReadOther | QFileDevice::WriteOther) &&
         file.remove())
         return;
@@ -79,16 +77,18 @@ void removeTarget(const QString &target)
 
 bool rename(const QString &from, const QString &to)
 {
-    const QString source = QDir().absoluteFilePath(from);
-    const QString target = QDir().absoluteFilePath(to);
-    const RenameOutcome outcome = platform::renameEntry(source, target);
+    const RenameOutcome outcome = platform::renameEntry(toNative(from), toNative(to));
     return outcome == RenameOutcome::Renamed ||
-           (outcome == RenameOutcome::OtherFileSystem && moveByCopy(source, target));
+           (outcome == RenameOutcome::OtherFileSystem && moveByCopy(from, to));
 }
 
+/// A link in the last place is an entry of its own.
 bool isSameEntry(const QString &one, const QString &other)
 {
-    return entryIdentity(one) == entryIdentity(other);
+    const QFileInfo first(one), second(other);
+    return platform::comparableName(first.fileName()) ==
+               platform::comparableName(second.fileName()) &&
+           platform::isSameEntry(toNative(first.absolutePath()), toNative(second.absolutePath()));
 }
 
 } // namespace FileMove

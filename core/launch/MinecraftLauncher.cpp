@@ -88,12 +88,15 @@ GameLaunchBase *MinecraftLauncher::currentTask() const
 void MinecraftLauncher::workOutShares()
 {
     const quint64 sum = std::accumulate(m_weights.begin(), m_weights.end(), quint64(0));
+    m_hasShares = true;
     if (m_weights.size() != m_tasks.size()) {
         const quint16 share = static_cast<quint16>(100.0 / m_tasks.size());
         m_weights = QVector<quint16>(m_tasks.size(), share).toList();
     } else if (sum > 0) {
         for (quint16 &weight : m_weights)
             weight = static_cast<quint16>(100.0 * weight / sum);
+    } else {
+        m_hasShares = false;
     }
 }
 
@@ -106,13 +109,13 @@ void MinecraftLauncher::startCurrent()
 
 void MinecraftLauncher::onTaskProgress(quint64 current, quint64 total)
 {
-    const bool allZero =
-        std::all_of(m_weights.begin(), m_weights.end(), [](quint16 weight) { return weight == 0; });
     if (m_current < 0 || m_current >= m_weights.size() || m_current >= m_tasks.size() ||
-        total == 0 || allZero)
+        total == 0 || !m_hasShares)
         return;
+    // A double holds what would not fit behind the cast.
+    constexpr double most = 9e18;
     const quint64 done =
         std::accumulate(m_weights.begin(), m_weights.begin() + m_current, quint64(0));
     const double share = m_weights.at(m_current) * (static_cast<double>(current) / total);
-    setCurProgress(static_cast<quint64>(done + share), 100);
+    setCurProgress(static_cast<quint64>(std::min(done + share, most)), 100);
 }

@@ -50,5 +50,6 @@ private:
 
     QList<std::shared_ptr<GameLaunchBase>> m_tasks;
     QList<quint16> m_weights; ///< in per cent of the whole once the chain runs
+    bool m_hasShares = false; ///< false too when all weights are 0: then no task moves the bar
     int m_current = -1;       ///< index of the running task; -1 before the first
 };

@@ -6,55 +6,86 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <QDir>
 #include <QFile>
 
 namespace platform {
 
-EntryKind entryKind(const QString &path)
+NativePath toNative(const QString &absolutePath)
+{
+    return NativePath(QFile::encodeName(absolutePath).toStdString());
+}
+
+QString fromNative(const NativePath &path)
+{
+    return QFile::decodeName(path.c_str());
+}
+
+EntryKind entryKind(const NativePath &path)
 {
     struct stat entry
     {
     };
-    if (lstat(QFile::encodeName(path).constData(), &entry) != 0)
-        return EntryKind::Missing;
+    if (lstat(path.c_str(), &entry) != 0)
+        return errno == ENOENT || errno == ENOTDIR ? EntryKind::Missing : EntryKind::File;
     if (S_ISLNK(entry.st_mode))
         return EntryKind::Link;
     return S_ISDIR(entry.st_mode) ? EntryKind::Directory : EntryKind::File;
 }
 
-RemovalAttempt removeEntry(const QString &path, EntryKind kind)
+FolderListing listFolder(const NativePath &path)
 {
-    const QByteArray name = QFile::encodeName(path);
-    const int result =
-        kind == EntryKind::Directory ? rmdir(name.constData()) : unlink(name.constData());
+    FolderListing listing;
+    std::error_code error;
+    std::filesystem::directory_iterator it(path, error);
+    for (; !error && it != std::filesystem::directory_iterator(); it.increment(error))
+        listing.entries.push_back(it->path());
+    if (error)
+        listing.failure = qt_error_string(error.value());
+    return listing;
+}
+
+RemovalAttempt removeEntry(const NativePath &path, EntryKind kind)
+{
+    const int result = kind == EntryKind::Directory ? rmdir(path.c_str()) : unlink(path.c_str());
     const int error = errno;
-    if (result == 0 || error == ENOENT)
+    if (result == 0 || error == ENOENT || error == ENOTDIR)
         return {true, false, {}};
     return {false, error == EBUSY || error == ETXTBSY || error == EINTR, qt_error_string(error)};
 }
 
-RenameOutcome renameEntry(const QString &from, const QString &to)
+RenameOutcome renameEntry(const NativePath &from, const NativePath &to)
 {
-    const QByteArray source = QFile::encodeName(from);
-    const QByteArray target = QFile::encodeName(to);
-    int result =
-        renameat2(AT_FDCWD, source.constData(), AT_FDCWD, target.constData(), RENAME_NOREPLACE);
+    int result = renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE);
     // Some file systems can't promise to replace nothing: look first there.
     if (result != 0 && (errno == EINVAL || errno == ENOSYS) && entryKind(to) == EntryKind::Missing)
-        result = std::rename(source.constData(), target.constData());
+        result = std::rename(from.c_str(), to.c_str());
     if (result == 0)
         return RenameOutcome::Renamed;
     return errno == EXDEV ? RenameOutcome::OtherFileSystem : RenameOutcome::Failed;
 }
 
-void openForRemoval(const QString &path)
+void openForRemoval(const NativePath &path)
 {
-    const QByteArray name = QFile::encodeName(path);
     struct stat folder
     {
     };
-    if (lstat(name.constData(), &folder) == 0 && (folder.st_mode & S_IRWXU) != S_IRWXU)
-        chmod(name.constData(), (folder.st_mode & 07777) | S_IRWXU);
+    if (lstat(path.c_str(), &folder) == 0 && (folder.st_mode & S_IRWXU) != S_IRWXU)
+        chmod(path.c_str(), (folder.st_mode & 07777) | S_IRWXU);
+}
+
+bool isSameEntry(const NativePath &a, const NativePath &b)
+{
+    struct stat first
+    {
+    }, second{};
+    return stat(a.c_str(), &first) == 0 && stat(b.c_str(), &second) == 0 &&
+           first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+}
+
+bool isRootOrDevice(const QString &path)
+{
+    return QDir::cleanPath(QDir(path).absolutePath()) == QLatin1String("/");
 }
 
 QString comparableName(const QString &path)

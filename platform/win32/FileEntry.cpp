@@ -2,23 +2,36 @@
 
 #include <windows.h>
 
+#include <QDir>
+#include <QRegularExpression>
+
+#include "platform/win32/Handle.h"
 #include "platform/win32/NativePath.h"
 
 namespace platform {
 
 namespace {
 
-/// True for symbolic links and junctions. Other reparse points, such as the place-holders of cloud
-/// folders, stand for the file itself.
-bool isLink(const std::wstring &name)
+/// Open to look at the entry itself (@p flags = FILE_FLAG_OPEN_REPARSE_POINT) or at what it leads
+/// to. Asks for no access, so it also works where nobody may read, and disturbs nobody.
+Handle openToLook(const NativePath &path, DWORD flags)
 {
-    WIN32_FIND_DATAW found{};
-    const HANDLE search = FindFirstFileW(name.c_str(), &found);
-    if (search == INVALID_HANDLE_VALUE)
-        return false;
-    FindClose(search);
-    return (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) &&
-           IsReparseTagNameSurrogate(found.dwReserved0);
+    return Handle(CreateFileW(path.c_str(), 0,
+                              FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                              OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | flags, nullptr));
+}
+
+/// True for symbolic links and junctions. Other reparse points, such as the place-holders of cloud
+/// folders, stand for the file itself. One that cannot be looked at counts as a link, since a link
+/// is never entered.
+bool isLink(const NativePath &path)
+{
+    const Handle entry = openToLook(path, FILE_FLAG_OPEN_REPARSE_POINT);
+    FILE_ATTRIBUTE_TAG_INFO info{};
+    if (!entry.isValid() ||
+        !GetFileInformationByHandleEx(entry.get(), FileAttributeTagInfo, &info, sizeof info))
+        return true;
+    return IsReparseTagNameSurrogate(info.ReparseTag);
 }
 
 bool isGone(DWORD error)
@@ -33,49 +46,106 @@ bool isPassing(DWORD error)
            error == ERROR_ACCESS_DENIED || error == ERROR_DIR_NOT_EMPTY;
 }
 
+QString messageOf(DWORD error)
+{
+    return qt_error_string(static_cast<int>(error));
+}
+
 } // namespace
 
-EntryKind entryKind(const QString &path)
+NativePath toNative(const QString &absolutePath)
 {
-    const std::wstring name = nativePath(path);
-    const DWORD attributes = GetFileAttributesW(name.c_str());
+    return NativePath(nativePath(absolutePath));
+}
+
+QString fromNative(const NativePath &path)
+{
+    QString text = QDir::fromNativeSeparators(QString::fromStdWString(path.native()));
+    if (text.startsWith(QLatin1String("//?/UNC/")))
+        return QLatin1Char('/') + text.mid(7);
+    return text.startsWith(QLatin1String("//?/")) ? text.mid(4) : text;
+}
+
+EntryKind entryKind(const NativePath &path)
+{
+    const DWORD attributes = GetFileAttributesW(path.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES)
         return isGone(GetLastError()) ? EntryKind::Missing : EntryKind::File;
-    if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) && isLink(name))
+    if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) && isLink(path))
         return EntryKind::Link;
     return attributes & FILE_ATTRIBUTE_DIRECTORY ? EntryKind::Directory : EntryKind::File;
 }
 
-RemovalAttempt removeEntry(const QString &path, EntryKind)
+FolderListing listFolder(const NativePath &path)
 {
-    const std::wstring name = nativePath(path);
-    const DWORD attributes = GetFileAttributesW(name.c_str());
-    if (attributes == INVALID_FILE_ATTRIBUTES && isGone(GetLastError()))
+    FolderListing listing;
+    WIN32_FIND_DATAW found{};
+    const HANDLE search = FindFirstFileW((path.native() + L"\\*").c_str(), &found);
+    DWORD error = search == INVALID_HANDLE_VALUE ? GetLastError() : ERROR_SUCCESS;
+    while (error == ERROR_SUCCESS) {
+        const std::wstring name = found.cFileName;
+        if (name != L"." && name != L"..")
+            listing.entries.emplace_back(path.native() + L"\\" + name);
+        error = FindNextFileW(search, &found) ? ERROR_SUCCESS : GetLastError();
+    }
+    if (search != INVALID_HANDLE_VALUE)
+        FindClose(search);
+    if (error != ERROR_NO_MORE_FILES && !isGone(error))
+        listing.failure = messageOf(error);
+    return listing;
+}
+
+RemovalAttempt removeEntry(const NativePath &path, EntryKind)
+{
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    const bool isKnown = attributes != INVALID_FILE_ATTRIBUTES;
+    if (!isKnown && isGone(GetLastError()))
         return {true, false, {}};
-    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY))
-        SetFileAttributesW(name.c_str(), attributes & ~DWORD(FILE_ATTRIBUTE_READONLY));
+    const bool isProtected = isKnown && (attributes & FILE_ATTRIBUTE_READONLY);
+    if (isProtected)
+        SetFileAttributesW(path.c_str(), attributes & ~DWORD(FILE_ATTRIBUTE_READONLY));
     // Junctions and links to folders are removed as folders; neither call follows them.
-    const bool isFolder =
-        attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
-    if (isFolder ? RemoveDirectoryW(name.c_str()) : DeleteFileW(name.c_str()))
+    const bool isFolder = isKnown && (attributes & FILE_ATTRIBUTE_DIRECTORY);
+    if (isFolder ? RemoveDirectoryW(path.c_str()) : DeleteFileW(path.c_str()))
         return {true, false, {}};
     const DWORD error = GetLastError();
     if (isGone(error))
         return {true, false, {}};
-    return {false, isPassing(error), qt_error_string(static_cast<int>(error))};
+    if (isProtected)
+        SetFileAttributesW(path.c_str(), attributes);
+    return {false, isPassing(error), messageOf(error)};
 }
 
-RenameOutcome renameEntry(const QString &from, const QString &to)
+RenameOutcome renameEntry(const NativePath &from, const NativePath &to)
 {
-    if (MoveFileExW(nativePath(from).c_str(), nativePath(to).c_str(), 0))
+    if (MoveFileExW(from.c_str(), to.c_str(), 0))
         return RenameOutcome::Renamed;
     return GetLastError() == ERROR_NOT_SAME_DEVICE ? RenameOutcome::OtherFileSystem
                                                    : RenameOutcome::Failed;
 }
 
-void openForRemoval(const QString &)
+void openForRemoval(const NativePath &)
 {
     // The write protection of a folder does not keep its entries here.
+}
+
+bool isSameEntry(const NativePath &a, const NativePath &b)
+{
+    const Handle first = openToLook(a, 0), second = openToLook(b, 0);
+    BY_HANDLE_FILE_INFORMATION one{}, other{};
+    return first.isValid() && second.isValid() && GetFileInformationByHandle(first.get(), &one) &&
+           GetFileInformationByHandle(second.get(), &other) &&
+           one.dwVolumeSerialNumber == other.dwVolumeSerialNumber &&
+           one.nFileIndexHigh == other.nFileIndexHigh && one.nFileIndexLow == other.nFileIndexLow;
+}
+
+bool isRootOrDevice(const QString &path)
+{
+    // "C:", "C:/" and "C:name"; "/"; "//server", "//server/share"; "//./..." and "//?/...".
+    static const QRegularExpression forms(
+        QStringLiteral("^([A-Za-z]:([^/].*)?/?|/|//[^/]*(/[^/]*)?/?|//[.?](/.*)?)$"));
+    return forms.match(QDir::fromNativeSeparators(path)).hasMatch() ||
+           QDir(QDir::cleanPath(QDir(path).absolutePath())).isRoot();
 }
 
 QString comparableName(const QString &path)

@@ -6,6 +6,8 @@
 
 #include <psapi.h>
 
+#include "platform/win32/Handle.h"
+
 namespace platform {
 
 namespace {

@@ -13,7 +13,6 @@ namespace Cipher {
 constexpr int aesKeyBytes = 32;
 constexpr int aesNonceBytes = 12;
 constexpr int aesTagBytes = 16;
-constexpr int tripleDesKeyBytes = 24;
 constexpr int tripleDesBlockBytes = 8;
 
 /// AES-256-GCM (NIST SP 800-38D): the cipher text with the tag of 16 bytes behind it.

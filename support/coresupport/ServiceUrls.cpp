@@ -55,14 +55,17 @@ const Endpoint endpoints[] = {
 QByteArray checkedAddress(const QString &address)
 {
     const QUrl url(address, QUrl::StrictMode);
+    QByteArray base = url.toEncoded();
     const bool isHttp =
         url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https");
-    if (!url.isValid() || !isHttp || url.host().isEmpty() || url.hasQuery() || url.hasFragment() ||
-        address.contains(QLatin1Char('%'))) {
+    if (!url.isValid() || !isHttp || url.host().isEmpty() || !url.userInfo().isEmpty() ||
+        url.hasQuery() || url.hasFragment() || base.contains('%')) {
         Log::warning(QLatin1String("not the address of a service, ignored: ") % address);
         return {};
     }
-    return url.toEncoded(QUrl::StripTrailingSlash);
+    while (base.endsWith('/'))
+        base.chop(1);
+    return base;
 }
 
 /// The base address and the strings that the globals point to.

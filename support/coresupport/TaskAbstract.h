@@ -11,7 +11,8 @@
 /// Lives on the thread that made it; its owner deletes it. start() calls onTaskRun() at once on the
 /// caller's thread; the task ends when it calls emitSucceeded() or emitFailed(), there or later.
 /// It ends exactly once per run: what is recorded first stands, and finished() goes out once. It
-/// may be started again after its end, and deleted by a slot on its own finished().
+/// may be started again after its end, and deleted by a slot on its own finished(); a slot on
+/// failed() may delete it too when the task ends on that slot's thread.
 ///
 /// The queries, the slots and the two emit functions may be called from any thread; receivers on
 /// another thread get the signals queued, in order.

@@ -17,9 +17,9 @@ JSONFSKIT_EXPORT bool ensureFilePathExists(QString filePath);
 /// All bytes of a file; nothing if it is missing or cannot be read.
 [[nodiscard]] JSONFSKIT_EXPORT std::optional<QByteArray> readFile(const QString &path);
 
-/// Replaces the content of @p path as a whole: afterwards the file holds @p data, or on false,
-/// what it held before. Makes missing directories. Where the file system cannot rename over a
-/// file, it is written directly.
+/// Replaces the content of @p path as a whole, by a rename: afterwards the file holds @p data, or
+/// on false, what it held before. Makes missing directories. In a folder that takes no new file an
+/// existing one is written directly; only there a failing disk can leave it torn.
 [[nodiscard]] JSONFSKIT_EXPORT bool writeFile(const QString &path, const QByteArray &data);
 
 /// How a removal ended.
@@ -31,9 +31,9 @@ struct RemovalResult
 };
 
 /// Removal never follows a symbolic link or a junction: it removes the link itself. An empty path,
-/// the root of a file system, the home directory and what holds it, and every path with a ".."
-/// in it are refused. What is not there counts as removed. An entry that somebody holds just now
-/// is tried again, for two seconds in one call altogether; what cannot be removed does not keep
+/// the root of a file system or share, the home directory and what holds it, and every path with a
+/// ".." in it are refused. What is not there counts as removed. An entry that somebody holds just
+/// now is tried again, for two seconds in one call altogether; what cannot be removed does not keep
 /// the rest from going. Each failure is a log line.
 
 /// Removes one file or one link; a real directory is refused.

@@ -1,15 +1,16 @@
 #include "support/jsonfskit/Remover.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QElapsedTimer>
 #include <QThread>
 
+#include "platform/MachineInfo.h"
 #include "support/jsonfskit/Log.h"
 
 namespace FS {
 
 using platform::EntryKind;
+using platform::NativePath;
 
 namespace {
 
@@ -17,9 +18,28 @@ namespace {
 constexpr std::chrono::milliseconds longestWait(1900);
 constexpr std::chrono::milliseconds pauseBetweenTries(20);
 
+QString absolute(const QString &path)
+{
+    return QDir::cleanPath(QDir().absoluteFilePath(path));
+}
+
 QString comparable(const QString &path)
 {
-    return platform::comparableName(QDir::cleanPath(path));
+    return platform::comparableName(absolute(path));
+}
+
+/// True if @p path is the home directory or holds it, however it is spelt.
+bool holdsHome(const QString &path)
+{
+    const NativePath native = platform::toNative(absolute(path));
+    if (platform::entryKind(native) != EntryKind::Directory)
+        return false;
+    QDir above(platform::MachineInfo::current().homePath());
+    do {
+        if (platform::isSameEntry(native, platform::toNative(above.absolutePath())))
+            return true;
+    } while (above.cdUp());
+    return false;
 }
 
 /// Why nothing may be removed at @p path; empty if it may.
@@ -29,15 +49,10 @@ QString refusal(const QString &path)
         return QStringLiteral("the path is empty");
     if (QDir::fromNativeSeparators(path).split(QLatin1Char('/')).contains(QLatin1String("..")))
         return QStringLiteral("the path climbs out with \"..\"");
-    const QString absolute = QDir::cleanPath(QDir(path).absolutePath());
-    if (QDir(absolute).isRoot())
-        return QStringLiteral("the path is a root");
-    const QString home = comparable(QDir::homePath()) % QLatin1Char('/');
-    const QString real = QDir(absolute).canonicalPath();
-    for (const QString &form : {absolute, real}) {
-        if (!form.isEmpty() && home.startsWith(QString(comparable(form) % QLatin1Char('/'))))
-            return QStringLiteral("the path is the home directory or holds it");
-    }
+    if (platform::isRootOrDevice(path))
+        return QStringLiteral("the path is a root or a device");
+    if (holdsHome(path))
+        return QStringLiteral("the path is the home directory or holds it");
     return {};
 }
 
@@ -47,20 +62,21 @@ RemovalResult Remover::removeFile(const QString &path)
 {
     if (isRefused(path))
         return m_result;
-    const EntryKind kind = platform::entryKind(QDir().absoluteFilePath(path));
+    const NativePath native = platform::toNative(absolute(path));
+    const EntryKind kind = platform::entryKind(native);
     if (kind == EntryKind::Directory)
         fail(path, QStringLiteral("it is a directory"));
     else
-        removeAny(QDir().absoluteFilePath(path), kind);
+        removeAny(native, kind);
     return m_result;
 }
 
 RemovalResult Remover::removeTree(const QString &path)
 {
-    if (!isRefused(path)) {
-        const QString absolute = QDir::cleanPath(QDir().absoluteFilePath(path));
-        removeAny(absolute, platform::entryKind(absolute));
-    }
+    if (isRefused(path))
+        return m_result;
+    const NativePath native = platform::toNative(absolute(path));
+    removeAny(native, platform::entryKind(native));
     return m_result;
 }
 
@@ -69,18 +85,14 @@ RemovalResult Remover::clearFolder(const QString &folder, const QStringList &exc
 {
     if (isRefused(folder))
         return m_result;
-    const QString absolute = QDir::cleanPath(QDir().absoluteFilePath(folder));
-    switch (platform::entryKind(absolute)) {
-    case EntryKind::Missing:
-        break;
-    case EntryKind::Directory:
-        keep(absolute, exclude);
-        removeContent(absolute, scope);
-        break;
-    case EntryKind::File:
-    case EntryKind::Link:
-        fail(absolute, QStringLiteral("it is no directory of ours"));
-        break;
+    const NativePath native = platform::toNative(absolute(folder));
+    const EntryKind kind = platform::entryKind(native);
+    keep(absolute(folder), exclude);
+    if (kind == EntryKind::Directory) {
+        if (!isKept(native, kind))
+            removeContent(native, scope);
+    } else if (kind != EntryKind::Missing) {
+        fail(folder, QStringLiteral("it is no directory of ours"));
     }
     return m_result;
 }
@@ -95,12 +107,14 @@ bool Remover::isRefused(const QString &path)
 
 void Remover::keep(const QString &folder, const QStringList &exclude)
 {
-    const QDir base(folder);
-    const QString top = comparable(folder);
+    const QString top = platform::comparableName(folder);
     for (const QString &path : exclude) {
         if (path.isEmpty())
             continue;
-        QString kept = comparable(base.absoluteFilePath(path));
+        QString kept = comparable(QDir(folder).absoluteFilePath(path));
+        const QString below = kept.endsWith(QLatin1Char('/')) ? kept : kept % QLatin1Char('/');
+        if (top.startsWith(below))
+            kept = top; // what holds the folder keeps the folder
         m_kept.insert(kept);
         while (kept.size() > top.size() && kept.contains(QLatin1Char('/'))) {
             kept.truncate(kept.lastIndexOf(QLatin1Char('/')));
@@ -110,48 +124,42 @@ void Remover::keep(const QString &folder, const QStringList &exclude)
 }
 
 /// A link on the way to a kept path stays too, for without it the path would be gone.
-bool Remover::isKept(const QString &path, EntryKind kind) const
+bool Remover::isKept(const NativePath &path, EntryKind kind) const
 {
     if (m_kept.isEmpty())
         return false;
-    const QString name = platform::comparableName(path);
+    const QString name = platform::comparableName(platform::fromNative(path));
     return m_kept.contains(name) || (kind == EntryKind::Link && m_keptAbove.contains(name));
 }
 
 /// True if nothing is left in @p folder.
-bool Remover::removeContent(const QString &folder, ClearScope scope)
+bool Remover::removeContent(const NativePath &folder, ClearScope scope)
 {
     platform::openForRemoval(folder);
-    // The names are read before the first one goes: an iterator over a folder that changes may
-    // leave entries out.
-    QStringList names;
-    for (QDirIterator it(folder,
-                         QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-         it.hasNext();) {
-        it.next();
-        names << it.fileName();
-    }
-
-    bool isEmpty = true;
-    for (const QString &name : qAsConst(names)) {
-        const QString path = folder % QLatin1Char('/') % name;
-        const EntryKind kind = platform::entryKind(path);
+    // The list is read before the first entry goes: a folder that changes meanwhile may leave
+    // entries out.
+    const platform::FolderListing listing = platform::listFolder(folder);
+    bool isEmpty = listing.failure.isEmpty();
+    if (!isEmpty)
+        fail(platform::fromNative(folder), listing.failure);
+    for (const NativePath &entry : listing.entries) {
+        const EntryKind kind = platform::entryKind(entry);
         const bool outOfScope = scope == ClearScope::DirectFiles && kind == EntryKind::Directory;
-        if (outOfScope || isKept(path, kind) || !removeAny(path, kind))
+        if (outOfScope || isKept(entry, kind) || !removeAny(entry, kind))
             isEmpty = false;
     }
     return isEmpty;
 }
 
 /// True if the entry is gone.
-bool Remover::removeAny(const QString &path, EntryKind kind)
+bool Remover::removeAny(const NativePath &path, EntryKind kind)
 {
     if (kind == EntryKind::Directory && !removeContent(path, ClearScope::WholeTree))
         return false;
     return removeEntry(path, kind);
 }
 
-bool Remover::removeEntry(const QString &path, EntryKind kind)
+bool Remover::removeEntry(const NativePath &path, EntryKind kind)
 {
     platform::RemovalAttempt attempt = platform::removeEntry(path, kind);
     while (!attempt.removed && attempt.passing && m_waited < longestWait) {
@@ -162,7 +170,7 @@ bool Remover::removeEntry(const QString &path, EntryKind kind)
         m_waited += std::chrono::milliseconds(waiting.elapsed());
     }
     if (!attempt.removed)
-        fail(path, attempt.failure);
+        fail(platform::fromNative(path), attempt.failure);
     return attempt.removed;
 }
 

@@ -23,10 +23,10 @@ public:
 private:
     bool isRefused(const QString &path);
     void keep(const QString &folder, const QStringList &exclude);
-    bool isKept(const QString &path, platform::EntryKind kind) const;
-    bool removeContent(const QString &folder, ClearScope scope);
-    bool removeAny(const QString &path, platform::EntryKind kind);
-    bool removeEntry(const QString &path, platform::EntryKind kind);
+    bool isKept(const platform::NativePath &path, platform::EntryKind kind) const;
+    bool removeContent(const platform::NativePath &folder, ClearScope scope);
+    bool removeAny(const platform::NativePath &path, platform::EntryKind kind);
+    bool removeEntry(const platform::NativePath &path, platform::EntryKind kind);
     void fail(const QString &path, const QString &why);
 
     QSet<QString> m_kept;      ///< comparable absolute paths that stay

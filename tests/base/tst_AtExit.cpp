@@ -28,6 +28,16 @@ struct Slow
     ~Slow() { ended += LazySingleton<Slow>::get() == this ? 'S' : '?'; }
 };
 
+struct FailsFirst
+{
+    FailsFirst()
+    {
+        if (!std::exchange(hasFailed, true))
+            throw std::bad_alloc();
+    }
+    static inline bool hasFailed = false;
+};
+
 } // namespace
 
 class tst_AtExit : public QObject
@@ -79,6 +89,10 @@ private Q_SLOTS:
             QCOMPARE(made.loadRelaxed(), run);
         }
         QCOMPARE(ended, QByteArray("SS"));
+
+        const RivetCoreAtExitManagerUtil core;
+        QVERIFY_EXCEPTION_THROWN(LazySingleton<FailsFirst>::get(), std::bad_alloc);
+        QVERIFY(LazySingleton<FailsFirst>::get());
     }
 };
 

@@ -18,7 +18,7 @@ QByteArray isIn(const QString &these, const QString &others)
 
 QByteArray middleOf(const QByteArray &data)
 {
-    return CCommonFunction::GetMidByteArray(QStringLiteral("("), QStringLiteral(")"), data);
+    return CCommonFunction::GetMidByteArray("(", ")", data);
 }
 
 /// Bytes that lean to what the readers look for.
@@ -93,9 +93,8 @@ private Q_SLOTS:
                                  "\xD9\xA1 in 1: throws",
                                  "18446744073709551616 in 1: throws"}) {
             const QString row = QString::fromUtf8(text);
-            const QString these = row.section(QStringLiteral(" in "), 0, 0);
-            const QString others =
-                row.section(QStringLiteral(" in "), 1).section(QLatin1Char(':'), 0, 0);
+            const QString these = row.section(" in ", 0, 0);
+            const QString others = row.section(" in ", 1).section(QLatin1Char(':'), 0, 0);
             QVERIFY2(row.endsWith(QLatin1String(isIn(these, others))), text);
         }
     }
@@ -114,7 +113,7 @@ private Q_SLOTS:
             QVERIFY(!middleOf(input).contains(')') && input.contains(middleOf(input)));
 
             const QString text = QString::fromUtf8(input);
-            const QRegularExpression separators(QStringLiteral("[,;|\\s]"));
+            const QRegularExpression separators("[,;|\\s]");
             const QByteArray answer = isIn(text, text);
             QVERIFY(answer == "throws" ||
                     (answer == "no") == QString(text).remove(separators).isEmpty());

@@ -19,10 +19,9 @@ protected:
     void onTaskRun() override { work(*this); }
 };
 
-/// Runs @p work on @p count pool threads that start together and waits for their end.
-void runTogether(int count, const std::function<void(int)> &work)
+/// Runs @p work on @p count threads of @p pool that start together and waits for their end.
+void runTogether(QThreadPool &pool, int count, const std::function<void(int)> &work)
 {
-    QThreadPool pool;
     pool.setMaxThreadCount(count);
     std::atomic<int> waiting{count};
     for (int i = 0; i < count; ++i) {
@@ -48,14 +47,13 @@ private Q_SLOTS:
         TaskJournal journal(task);
         QVERIFY(!task.isRunning() && !task.isFinished() && !task.successful());
         task.work = [](Task &t) {
-            t.setTaskBrief(QStringLiteral("b"));
-            t.setStatus(QStringLiteral("s"));
+            t.setTaskBrief("b");
+            t.setStatus("s");
             t.setCurProgress(3, 10);
-            t.emitFailed(QStringLiteral("why"));
+            t.emitFailed("why");
         };
         task.start();
-        QCOMPARE(journal.story(),
-                 QStringLiteral("brief b, status s, 3/10, failed why, finished 0 why"));
+        QCOMPARE(journal.story(), "brief b, status s, 3/10, failed why, finished 0 why");
         QVERIFY(!task.isRunning() && task.isFinished());
 
         task.work = [](Task &t) { QTimer::singleShot(0, &t, [&t] { t.emitSucceeded(); }); };
@@ -63,8 +61,8 @@ private Q_SLOTS:
         QVERIFY(task.isRunning() && !task.isFinished() && task.failReason().isEmpty());
         QTRY_VERIFY(task.isFinished());
         task.emitSucceeded();
-        task.emitFailed(QStringLiteral("crash of the running game"));
-        QCOMPARE(journal.story(), QStringLiteral("finished 1 , failed crash of the running game"));
+        task.emitFailed("crash of the running game");
+        QCOMPARE(journal.story(), "finished 1 , failed crash of the running game");
         QVERIFY(task.successful() && task.failReason().isEmpty());
     }
 
@@ -77,7 +75,7 @@ private Q_SLOTS:
                 connect(task, &TaskAbstract::failed, this, [task] { delete task; });
             else
                 connect(task, &TaskAbstract::finished, this, [task] { delete task; });
-            task->work = [](Task &t) { t.emitFailed(QStringLiteral("why")); };
+            task->work = [](Task &t) { t.emitFailed("why"); };
             task->start();
             QVERIFY(watch.isNull());
         }
@@ -89,7 +87,8 @@ private Q_SLOTS:
         QStringList expected;
         for (int step = 0; step < steps; ++step)
             expected << QStringLiteral("status %1").arg(step) << QStringLiteral("%1/500").arg(step);
-        expected << QStringLiteral("failed why") << QStringLiteral("finished 0 why");
+        expected << "failed why"
+                 << "finished 0 why";
 
         std::vector<std::unique_ptr<Task>> all;
         std::vector<std::unique_ptr<TaskJournal>> journals;
@@ -101,10 +100,11 @@ private Q_SLOTS:
                     t.setStatus(QString::number(step));
                     t.setCurProgress(quint64(step), steps);
                 }
-                t.emitFailed(QStringLiteral("why"));
+                t.emitFailed("why");
             };
         }
-        runTogether(tasks, [&all](int i) { all[std::size_t(i)]->start(); });
+        QThreadPool pool;
+        runTogether(pool, tasks, [&all](int i) { all[std::size_t(i)]->start(); });
         for (const auto &journal : journals)
             QVERIFY2(journal->lines.isEmpty(), "delivery waits for this thread's event loop");
         for (const auto &journal : journals)
@@ -113,13 +113,14 @@ private Q_SLOTS:
 
     void threadsThatEndATaskAtOnceEndItOnce()
     {
-        for (int round = 0; round < 200; ++round) {
+        QThreadPool pool;
+        for (int round = 0; round < 3000; ++round) {
             Task task;
             std::atomic<int> ends{0};
             connect(
                 &task, &TaskAbstract::finished, &task, [&] { ++ends; }, Qt::DirectConnection);
             task.start();
-            runTogether(3, [&task](int i) {
+            runTogether(pool, 3, [&task](int i) {
                 i == 0 ? task.emitSucceeded() : task.emitFailed(QString::number(i));
             });
             QCOMPARE(ends.load(), 1);

@@ -9,7 +9,6 @@
 #include "base/RivetCoreAtExitManagerUtil.h"
 #include "core/foundation/Environment.h"
 #include "core/foundation/QNetworkCookieJarEx.h"
-#include "tests/support/FileTree.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Sandbox.h"
 
@@ -23,7 +22,7 @@ struct FakeReply : QNetworkReply
 
 static bool addCookie(QNetworkAccessManager &manager, const char *name)
 {
-    const QUrl url(text("http://127.0.0.1/"));
+    const QUrl url("http://127.0.0.1/");
     return manager.cookieJar()->setCookiesFromUrl({QNetworkCookie(name, "1")}, url);
 }
 
@@ -51,14 +50,13 @@ private Q_SLOTS:
         core = std::make_unique<RivetCoreAtExitManagerUtil>();
         environment = Environment::GetInstance();
         QVERIFY(!environment->isDebugMode() && environment->GetAllCookies().isEmpty());
-        QSettings().setValue(text("Debug"), 1);
+        QSettings().setValue("Debug", 1);
         QVERIFY(environment->isDebugMode());
         delete environment->findChild<QNetworkCookieJarEx *>();
         const LogCapture log;
         QCOMPARE(environment->GetAllCookies().size(), 0);
         environment->clearAllCookies();
-        QCOMPARE(log.lines(),
-                 QStringList({text("cookie jar is null"), text("cookie jar is null")}));
+        QCOMPARE(log.lines(), QStringList({"cookie jar is null", "cookie jar is null"}));
     }
 
     void takesEveryCertificate()
@@ -70,8 +68,8 @@ private Q_SLOTS:
         Q_EMIT manager->sslErrors(nullptr, {QSslError()});
         Q_EMIT manager->sslErrors(&reply, {QSslError(QSslError::SelfSignedCertificate)});
         QVERIFY(reply.ignored == 1 && log.lines().size() == 2);
-        QCOMPARE(log.lines()[0], text("handleSslErrors: "));
-        QVERIFY(log.lines()[1].startsWith(text("ssl error: The certificate")));
+        QCOMPARE(log.lines()[0], "handleSslErrors: ");
+        QVERIFY(log.lines()[1].startsWith("ssl error: The certificate"));
     }
 };
 

@@ -8,9 +8,9 @@
 #include "core/foundation/FSH.h"
 #include "core/foundation/MCSettings.h"
 #include "support/jsonfskit/FS.h"
-#include "tests/support/FileTree.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Sandbox.h"
+#include "tests/support/TestFiles.h"
 
 class tst_FSH : public QObject
 {
@@ -20,20 +20,21 @@ private Q_SLOTS:
 
     void pathsLieBelowTheGameDataDirectory()
     {
-        setDataPath(text("./rivet_game"));
-        const QString data = m_appDir + text("/rivet_game");
+        setDataPath("./rivet_game");
+        const QString data = m_appDir + "/rivet_game";
         QVERIFY(FSH::gameDataAbsolutePath() == data && QFileInfo(data).isDir());
-        QCOMPARE(FSH::instancePathDir(4000000000u, text("%1 \"a\"")),
-                 data + text("/instances/%1 \"a\"(4000000000)"));
+        QCOMPARE(FSH::instancePathDir(4000000000u, "%1 \"a\""),
+                 data + "/instances/%1 \"a\"(4000000000)");
         for (const char *row :
              {"1|mods|/mods", "2|saves|/saves", "3|resourcepacks|/resourcepacks", "4||/java",
               "5||/skins", "6||/cloaks", "7||/other", "8|shaderpacks|/shaderpacks", "101||/clients",
               "0||", "9||", "102||"}) {
-            const auto type = static_cast<ResType>(columns(row)[0].toUInt());
-            QCOMPARE(FSH::dirNameInGame(type), columns(row)[1]);
-            QCOMPARE(FSH::resourceDownloadDir(type), data + text("/resources") + columns(row)[2]);
+            const QStringList cells = QString(row).split('|');
+            const auto type = static_cast<ResType>(cells[0].toUInt());
+            QCOMPARE(FSH::dirNameInGame(type), cells[1]);
+            QCOMPARE(FSH::resourceDownloadDir(type), data + "/resources" + cells[2]);
         }
-        QVERIFY(FSH::localAppDataPath().endsWith(text("/oriel/rivet")));
+        QVERIFY(FSH::localAppDataPath().endsWith("/oriel/rivet"));
         QVERIFY2(QDir(data).isEmpty() && !QFileInfo::exists(FSH::localAppDataPath()),
                  "none is made");
     }
@@ -44,13 +45,13 @@ private Q_SLOTS:
         for (const char *unusable : {"file", "file/below"}) {
             setDataPath(path(unusable));
             const LogCapture log;
-            QCOMPARE(FSH::instancePathDir(1, text("x")), text("/instances/x(1)"));
-            QVERIFY2(log.has(QtCriticalMsg, text("it has not game data path.")), unusable);
+            QCOMPARE(FSH::instancePathDir(1, "x"), "/instances/x(1)");
+            QVERIFY2(log.has(QtCriticalMsg, "it has not game data path."), unusable);
         }
         setDataPath({});
         const LogCapture log;
         QCOMPARE(FSH::gameDataAbsolutePath(), QString());
-        QVERIFY(log.has(QtCriticalMsg, text("game data path could not be empty!")));
+        QVERIFY(log.has(QtCriticalMsg, "game data path could not be empty!"));
     }
 
     void listsDirectoriesBeforeTheirContents()
@@ -67,7 +68,7 @@ private Q_SLOTS:
         QCOMPARE(FSH::getFileListFromDirRecursively(path("d")).size(), 4);
         QVERIFY(FSH::moveFileRecursively(path("d/.h"), path("t"), false));
         QCOMPARE(QFileInfo(path("t/up")).symLinkTarget(), path("d"));
-        QCOMPARE(treeOf(m_dir->path()), text("d d/.h d/a t t/b t/up"));
+        QCOMPARE(treeOf(m_dir->path()), "d d/.h d/a t t/b t/up");
     }
 
     void moves()
@@ -82,15 +83,15 @@ private Q_SLOTS:
               "s/x/a=2 t/x/a=9|s|t|k||s s/x s/x/a=2 t t/x t/x/a=9",
               "s/a=1|s|s/in||y|s s/in s/in/a=1"}) {
             init();
-            const QStringList cells = columns(row);
+            const QStringList cells = QString(row).split('|');
             const QString to = m_dir->filePath(cells[2]);
-            QVERIFY(makeFiles(m_dir->path(), cells[0]));
+            makeFiles(m_dir->path(), cells[0].split(' '));
             const LogCapture log;
-            QVERIFY2(FSH::moveFileRecursively(m_dir->filePath(cells[1]), to,
-                                              cells[3] == text("k")) == (cells[4] == text("y")),
+            QVERIFY2(FSH::moveFileRecursively(m_dir->filePath(cells[1]), to, cells[3] == "k") ==
+                         (cells[4] == "y"),
                      row);
             QCOMPARE(treeOf(m_dir->path()), cells[5]);
-            QCOMPARE(log.has(QtDebugMsg, text("delete file failed:") + to), to == path("dir"));
+            QCOMPARE(log.has(QtDebugMsg, "delete file failed:" + to), to == path("dir"));
         }
     }
 
@@ -101,20 +102,19 @@ private Q_SLOTS:
             QVERIFY(!FSH::moveFileRecursively(from, qEnvironmentVariable("RIVET_MOVE_TO"), false));
             return;
         }
-        const QTemporaryDir other(text("/dev/shm/tst_FSH-XXXXXX"));
+        const QTemporaryDir other("/dev/shm/tst_FSH-XXXXXX");
         if (!other.isValid() || QStorageInfo(other.path()) == QStorageInfo(m_dir->path()))
             QSKIP("one file system only");
         const QByteArray content(70000, 'x');
-        const QString big = path("big"), target = other.filePath(text("big"));
+        const QString big = path("big"), target = other.filePath("big");
         QVERIFY(FS::writeFile(big, content) &&
                 QFile::setPermissions(big, QFileDevice::ReadOwner | QFileDevice::ExeOwner));
         // Once more in a process for which the disk is full when the last block is written out.
         qputenv("RIVET_MOVE_FROM", big.toUtf8());
         qputenv("RIVET_MOVE_TO", target.toUtf8());
-        const QString script = text("trap '' XFSZ; ulimit -f 128; exec \"$0\" \"$1\"");
-        QCOMPARE(QProcess::execute(text("sh"),
-                                   {text("-c"), script, QCoreApplication::applicationFilePath(),
-                                    text(QTest::currentTestFunction())}),
+        const QString script = "trap '' XFSZ; ulimit -f 128; exec \"$0\" \"$1\"";
+        QCOMPARE(QProcess::execute("sh", {"-c", script, QCoreApplication::applicationFilePath(),
+                                          QTest::currentTestFunction()}),
                  0);
         qunsetenv("RIVET_MOVE_FROM");
         QVERIFY(FS::readFile(big) == content && QDir(other.path()).isEmpty());
@@ -127,15 +127,15 @@ private Q_SLOTS:
     {
         QCOMPARE(FSH::getRivetDisplayVer(), QString());
         // On Windows the copy brings the first row along as its version resource.
-        const QString host = m_appDir + text("/rivet.exe");
+        const QString host = m_appDir + "/rivet.exe";
         QVERIFY(QFile::copy(QCoreApplication::applicationFilePath(), host));
         for (const char *row : {"1.2.7 Build-201607210|201607210", "1.2.7|0", "Build-|0",
                                 "Build-12a, x|12", "Build-x1|0", "Build-99999999999|2147483647"}) {
-            const QByteArray versions =
-                "ProductVersion=1.2\nFileVersion=" + QByteArray(row).split('|')[0];
-            QVERIFY(FS::writeFile(host + text(".version"), versions));
-            QCOMPARE(FSH::getRivetIntervalNumVer(), columns(row)[1].toUInt());
-            QCOMPARE(FSH::getRivetDisplayVer(), text("1.2"));
+            const QStringList cells = QString(row).split('|');
+            const QString versions = "ProductVersion=1.2\nFileVersion=" + cells[0];
+            QVERIFY(FS::writeFile(host + ".version", versions.toUtf8()));
+            QCOMPARE(FSH::getRivetIntervalNumVer(), cells[1].toUInt());
+            QCOMPARE(FSH::getRivetDisplayVer(), "1.2");
             if (QSysInfo::kernelType() == QLatin1String("winnt"))
                 break;
         }
@@ -144,12 +144,12 @@ private Q_SLOTS:
 private:
     void setDataPath(const QString &path)
     {
-        Environment::GetInstance()->settings()->setValue(text("DataPath"), path);
+        Environment::GetInstance()->settings()->setValue("DataPath", path);
     }
 
-    QString path(const char *name) const { return m_dir->filePath(text(name)); }
+    QString path(const char *name) const { return m_dir->filePath(name); }
 
-    void make(const char *files) { QVERIFY(makeFiles(m_dir->path(), text(files))); }
+    void make(const char *files) { makeFiles(m_dir->path(), QString(files).split(' ')); }
 
     const RivetCoreAtExitManagerUtil m_core;
     const QString m_appDir = QCoreApplication::applicationDirPath();

@@ -3,8 +3,8 @@
 #include "core/foundation/MCSettings.h"
 #include "platform/FixedDrives.h"
 #include "support/jsonfskit/FS.h"
-#include "tests/support/FileTree.h"
 #include "tests/support/Sandbox.h"
+#include "tests/support/TestFiles.h"
 
 struct FakeDrives : platform::FixedDrives
 {
@@ -32,33 +32,32 @@ private Q_SLOTS:
               "x|C1|%1/data|%1/new|%1/new", "f|C1|%1/data|%1/f/new|%1/data",
               "x ../rivet_game|C1|||%1/C/rivet_game", "x ../rivet_game/a|C1|||./rivet_game",
               "x|C1|./rivet_game/a||./rivet_game/a"}) {
-            const QStringList cells = columns(row).replaceInStrings(text("%1"), m_world);
-            QVERIFY(FS::removeTree(m_world) &&
-                    FS::removeTree(m_appDir.filePath(text("rivet_game"))));
-            QVERIFY(makeFiles(m_world, cells[0]));
+            const QStringList cells = QString(row).replace("%1", m_world).split('|');
+            QVERIFY(FS::removeTree(m_world) && FS::removeTree(m_appDir.filePath("rivet_game")));
+            makeFiles(m_world, cells[0].split(' '));
             QVERIFY2(validated(cells[1], cells[2], cells[3]).endsWith(cells[4]), row);
-            QVERIFY2(!treeOf(m_world).contains(text("temp")), row);
-            QVERIFY2(!QSettings().contains(text("ChangedDataDir")), row);
+            QVERIFY2(!treeOf(m_world).contains("temp"), row);
+            QVERIFY2(!QSettings().contains("ChangedDataDir"), row);
         }
-        QVERIFY(QDir().mkpath(m_world + text("/D")));
-        if (!QFile::link(text("/proc/self"), m_world + text("/D/rivet_game")) ||
-            !QFileInfo(m_world + text("/D/rivet_game")).isDir())
+        QVERIFY(QDir().mkpath(m_world + "/D"));
+        if (!QFile::link("/proc/self", m_world + "/D/rivet_game") ||
+            !QFileInfo(m_world + "/D/rivet_game").isDir())
             QSKIP("no folder here that nobody can write, in one that we can");
-        QVERIFY(FS::removeTree(m_appDir.filePath(text("rivet_game"))));
-        QVERIFY(validated(text("D1"), {}, {}).endsWith(text("/tests/sandboxrivet_game")));
+        QVERIFY(FS::removeTree(m_appDir.filePath("rivet_game")));
+        QVERIFY(validated("D1", {}, {}).endsWith("/tests/sandboxrivet_game"));
     }
 
     void setsDefaultsOnceAndTheChannelAlways()
     {
         QSettings store;
-        store.setValue(text("notifyupdate"), false);
+        store.setValue("notifyupdate", false);
         for (const char *row : {"channel=shop|oriel", "[OPTION]\nchannel=|oriel",
                                 "[OPTION]\nchannel=shop 7|shop 7"}) {
-            store.setValue(text("channel"), text("mine"));
-            QVERIFY(
-                FS::writeFile(m_appDir.filePath(text("config.ini")), columns(row)[0].toLatin1()));
+            store.setValue("channel", "mine");
+            const QStringList cells = QString(row).split('|');
+            QVERIFY(FS::writeFile(m_appDir.filePath("config.ini"), cells[0].toLatin1()));
             MCSettings().validateSettingValues();
-            QCOMPARE(store.value(text("channel")).toString(), columns(row)[1]);
+            QCOMPARE(store.value("channel").toString(), cells[1]);
         }
         const QByteArray saved = FS::readFile(store.fileName()).value();
         for (const char *line : {"notifyupdate=false", "minimizeOnClose=true",
@@ -71,20 +70,20 @@ private:
     QString validated(const QString &drives, const QString &stored, const QString &changed)
     {
         m_drives.drives.clear();
-        for (const QString &drive : drives.split(QLatin1Char(' '))) {
-            const QString root = m_world + QLatin1Char('/') + drive.left(1) + QLatin1Char('/');
+        for (const QString &drive : drives.split(' ')) {
+            const QString root = m_world + '/' + drive.left(1) + '/';
             if (!drive.isEmpty())
                 m_drives.drives.append({root, drive.mid(1).toULongLong() << 30});
         }
         QSettings store;
-        store.setValue(text("DataPath"), stored);
-        store.setValue(text("ChangedDataDir"), changed);
+        store.setValue("DataPath", stored);
+        store.setValue("ChangedDataDir", changed);
         MCSettings().validateSettingValues();
-        return store.value(text("DataPath")).toString();
+        return store.value("DataPath").toString();
     }
 
     const QDir m_appDir{QCoreApplication::applicationDirPath()};
-    const QString m_world = m_appDir.filePath(text("world"));
+    const QString m_world = m_appDir.filePath("world");
     FakeDrives m_drives;
 };
 

@@ -5,7 +5,7 @@
 
 namespace {
 
-const QString name = QStringLiteral("the thing");
+const QString name = "the thing";
 
 QJsonValue valueOf(const char *json)
 {

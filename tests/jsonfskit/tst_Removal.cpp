@@ -4,9 +4,9 @@
 #include <QtTest>
 
 #include "support/coresupport/CCommonFunction.h"
-#include "support/jsonfskit/FS.h"
-#include "tests/support/FileTree.h"
+#include "tests/support/FakeMachine.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/TestFiles.h"
 
 class tst_Removal : public QObject
 {
@@ -15,97 +15,112 @@ private Q_SLOTS:
     void init()
     {
         m_dir = std::make_unique<QTemporaryDir>();
-        m_ours = m_dir->filePath(QStringLiteral("ours"));
-        m_outside = m_dir->filePath(QStringLiteral("outside"));
-        QVERIFY(makeFiles(m_ours, text("a.txt .hidden sub/b.txt sub/deep/c.txt other/d.txt")));
-        QVERIFY(makeFiles(m_outside, text("precious")));
-        qputenv("HOME", QFile::encodeName(m_dir->filePath(QStringLiteral("home/player"))));
-        QVERIFY(QDir().mkpath(QDir::homePath()));
+        m_ours = m_dir->filePath("ours");
+        m_outside = m_dir->filePath("outside");
+        makeFiles(m_dir->path(), {"ours/a.txt", "ours/.hidden", "ours/sub/b.txt",
+                                  "ours/sub/deep/c.txt", "ours/other/d.txt", "outside/precious"});
     }
 
     void clearsAllButWhatIsExcluded()
     {
+        const QString all = ".hidden a.txt other other/d.txt sub sub/b.txt sub/deep sub/deep/c.txt";
         const struct
         {
-            const char *exclude;
+            QString exclude;
             bool wholeTree;
-            const char *left;
+            QString left;
         } rows[] = {
             {"", true, ""},
             {"sub/b.txt", true, "sub sub/b.txt"},
             {"sub", true, "sub sub/b.txt sub/deep sub/deep/c.txt"},
-            {"%1/sub/deep", true, "sub sub/deep sub/deep/c.txt"},
+            {"%1/ours/sub/deep", true, "sub sub/deep sub/deep/c.txt"},
             {"./other//d.txt", true, "other other/d.txt"},
             {"su", true, ""},
             {"../outside", true, ""},
-            {"a.txt", false, "a.txt other other/d.txt sub sub/b.txt sub/deep sub/deep/c.txt"},
+            {".", true, all},
+            {"%1", true, all},
+            {"a.txt", false, QString(all).remove(".hidden ")},
         };
         for (const auto &row : rows) {
             init();
-            const QString exclude =
-                QString::fromLatin1(row.exclude).replace(QLatin1String("%1"), m_ours);
+            const QString exclude = QString(row.exclude).replace("%1", m_dir->path());
             QVERIFY(CCommonFunction::ClearFolderButExclude(m_ours, {exclude}, row.wholeTree));
-            QCOMPARE(treeOf(m_ours), QLatin1String(row.left));
+            QCOMPARE(treeOf(m_ours), row.left);
             QVERIFY2(QFileInfo::exists(m_ours), "the folder itself stays");
         }
     }
 
     void linksGoAndWhatTheyPointToStays()
     {
-        QVERIFY(QFile::link(m_outside, m_ours + QStringLiteral("/sub/link")));
-        QVERIFY(QFile::link(m_outside + QStringLiteral("/precious"),
-                            m_ours + QStringLiteral("/file-link")));
-        QVERIFY(QFile::link(QStringLiteral("nowhere"), m_ours + QStringLiteral("/broken-link")));
-        QVERIFY(QFile::link(m_outside, m_ours + QStringLiteral("/kept-link")));
-        QVERIFY(FS::clearFolder(m_ours, {QStringLiteral("kept-link/precious")},
-                                FS::ClearScope::WholeTree));
-        QCOMPARE(treeOf(m_ours), QStringLiteral("kept-link"));
+        QVERIFY(QFile::link(m_outside, m_ours + "/sub/link"));
+        QVERIFY(QFile::link(m_outside + "/precious", m_ours + "/file-link"));
+        QVERIFY(QFile::link("nowhere", m_ours + "/broken-link"));
+        QVERIFY(QFile::link(m_outside, m_ours + "/kept-link"));
+        QVERIFY(FS::clearFolder(m_ours, {"kept-link/precious"}, FS::ClearScope::WholeTree));
+        QCOMPARE(treeOf(m_ours), "kept-link");
 
-        QVERIFY2(
-            !FS::clearFolder(m_ours + QStringLiteral("/kept-link"), {}, FS::ClearScope::WholeTree),
-            "a link is no folder of ours");
-        QVERIFY(FS::removeTree(m_ours + QStringLiteral("/kept-link")));
-        QVERIFY(FS::removeTree(m_ours));
-        QVERIFY(!QFileInfo::exists(m_ours));
-        QCOMPARE(treeOf(m_outside), QStringLiteral("precious"));
+        const LogCapture log;
+        QVERIFY2(!FS::clearFolder(m_ours + "/kept-link", {}, FS::ClearScope::WholeTree),
+                 "a link is no folder of ours");
+        QVERIFY(FS::removeTree(m_ours + "/kept-link/"));
+        QVERIFY(FS::removeTree(m_ours) && !QFileInfo::exists(m_ours));
+        QCOMPARE(treeOf(m_outside), "precious");
     }
 
     void refusesDangerousPaths()
     {
-        QVERIFY(makeFiles(QDir::homePath(), text("precious")));
-        QVERIFY(QFile::link(m_dir->filePath(QStringLiteral("home")),
-                            m_dir->filePath(QStringLiteral("way"))));
+        FakeMachine machine;
+        machine.home = m_dir->filePath("way/player");
+        makeFiles(m_dir->filePath("home/player"), {"precious"});
+        QVERIFY(QFile::link(m_dir->filePath("home"), m_dir->filePath("way")));
         const QString before = treeOf(m_dir->path());
-        for (const char *dangerous :
-             {"", "/", "//./", "%1/home/player", "%1/home/player/", "%1/home", "%1/way/player",
-              "%1/ours/../outside", "../outside", "%1/ours/.."}) {
-            const QString path =
-                QString::fromLatin1(dangerous).replace(QLatin1String("%1"), m_dir->path());
+        const QPair<const char *, const char *> rows[] = {
+            {"", "is empty"},
+            {"%1/ours/../outside", "climbs out"},
+            {"../ours", "climbs out"},
+            {"%1/ours/..", "climbs out"},
+            {"%1/home/player/", "holds it"},
+            {"%1/home", "holds it"},
+            {"%1/way/player", "holds it"},
+            {"%1", "holds it"},
+        };
+        for (const auto &row : rows) {
+            const QString path = QString(row.first).replace("%1", m_dir->path());
             const LogCapture log;
-            QVERIFY2(!CCommonFunction::ClearFolderButExclude(path, {}, true), dangerous);
-            QVERIFY2(!CCommonFunction::DeleteSingleFile(path), dangerous);
-            QVERIFY2(!FS::removeTree(path) && log.lines().size() == 3, dangerous);
+            QVERIFY2(!CCommonFunction::ClearFolderButExclude(path, {}, true), row.first);
+            QVERIFY2(!CCommonFunction::DeleteSingleFile(path), row.first);
+            QVERIFY2(!FS::removeTree(path), row.first);
+            QVERIFY2(log.lines().filter(row.second).size() == 3, row.first);
+        }
+        // With a broken guard nothing but this operation would leave the machine whole.
+        for (const QString &root : {QString("/"), QString("//./"), QDir::rootPath()}) {
+            const LogCapture log;
+            QVERIFY(!CCommonFunction::DeleteSingleFile(root));
+            QCOMPARE(log.lines().filter("a root or a device").size(), 1);
         }
         QCOMPARE(treeOf(m_dir->path()), before);
     }
 
     void removesSingleFiles()
     {
-        QVERIFY(CCommonFunction::DeleteSingleFile(m_ours + QStringLiteral("/a.txt")));
-        QVERIFY2(CCommonFunction::DeleteSingleFile(m_ours + QStringLiteral("/a.txt")),
+        QVERIFY(CCommonFunction::DeleteSingleFile(m_ours + "/a.txt"));
+        QVERIFY2(CCommonFunction::DeleteSingleFile(m_ours + "/a.txt"),
                  "what is not there does not lock a resource");
-        QVERIFY(!CCommonFunction::DeleteSingleFile(m_ours + QStringLiteral("/sub")));
-        QVERIFY(QFileInfo::exists(m_ours + QStringLiteral("/sub/deep/c.txt")));
-        QVERIFY(CCommonFunction::ClearFolderButExclude(m_ours + QStringLiteral("/none"), {}, true));
+        QVERIFY(CCommonFunction::DeleteSingleFile(m_ours + "/.hidden/below a file"));
+        QVERIFY(CCommonFunction::ClearFolderButExclude(m_ours + "/none", {}, true));
+        const LogCapture log;
+        QCOMPARE(FS::removeFile(m_ours + "/sub").firstFailure, m_ours + "/sub");
+        QVERIFY(QFileInfo::exists(m_ours + "/sub/deep/c.txt"));
     }
 
     void writeProtectionDoesNotMatter()
     {
         const auto readOnly = QFileDevice::ReadOwner | QFileDevice::ExeOwner;
-        QVERIFY(QFile::setPermissions(m_ours + QStringLiteral("/sub/b.txt"), readOnly));
-        QVERIFY(QFile::setPermissions(m_ours + QStringLiteral("/sub"), readOnly));
-        QVERIFY(FS::removeTree(m_ours));
-        QVERIFY(!QFileInfo::exists(m_ours));
+        QVERIFY(QFile::setPermissions(m_ours + "/sub/deep/c.txt", readOnly));
+        QVERIFY(QFile::setPermissions(m_ours + "/sub", readOnly));
+        QVERIFY(FS::clearFolder(m_ours, {"sub/b.txt"}, FS::ClearScope::WholeTree));
+        QCOMPARE(treeOf(m_ours), "sub sub/b.txt");
+        QVERIFY(QFileInfo(m_ours + "/sub").permissions() & QFileDevice::WriteOwner);
     }
 
 private:

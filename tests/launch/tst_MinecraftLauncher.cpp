@@ -48,7 +48,7 @@ struct Chain
                     QTimer::singleShot(0, &s, [&s] { s.emitSucceeded(); });
                 if (end == 'f') {
                     s.setError(GameLaunchBase::ErrTampered);
-                    s.emitFailed(QStringLiteral("why"));
+                    s.emitFailed("why");
                 }
             };
         }
@@ -94,12 +94,11 @@ private Q_SLOTS:
         const LogCapture log;
         Chain c;
         c.chain.AppendLanuchTask(nullptr, 50);
-        QVERIFY(log.has(QtCriticalMsg,
-                        QStringLiteral("launch task have not been created, null object.")));
+        QVERIFY(log.has(QtCriticalMsg, "launch task have not been created, null object."));
         const StepPointer only = c.append(7);
         c.chain.start();
         only->setCurProgress(1, 2);
-        QCOMPARE(c.journal.story(), QStringLiteral("1/100, 50/100"));
+        QCOMPARE(c.journal.story(), "1/100, 50/100");
     }
 
     void progressIsInSharesOfTheWhole()
@@ -136,8 +135,7 @@ private Q_SLOTS:
         c.chain.start();
         c.steps[1]->setCurProgress(1, 1);
         c.steps[1]->emitSucceeded();
-        QCOMPARE(c.journal.story(),
-                 QStringLiteral("brief 0, brief 1, 1/100, 100/100, finished 1 "));
+        QCOMPARE(c.journal.story(), "brief 0, brief 1, 1/100, 100/100, finished 1 ");
     }
 
     void abortGoesToTheRunningTask()
@@ -158,15 +156,18 @@ private Q_SLOTS:
     void aTaskReportsOnlyToItsLastChain()
     {
         Chain older("-"), newer;
+        QSignalSpy byName(&newer.chain, SIGNAL(error(GameLaunchBase::Error)));
         newer.chain.AppendLanuchTask(older.steps[0], 1);
         newer.chain.start();
-        older.steps[0]->setStatus(QStringLiteral("here"));
+        older.steps[0]->setStatus("here");
         older.steps[0]->emitSucceeded();
         older.steps[0]->setError(GameLaunchBase::ErrGameCrashed);
-        older.steps[0]->emitFailed(QStringLiteral("late"));
+        older.steps[0]->emitFailed("late");
+        QCOMPARE(byName.size(), 1);
+        QCOMPARE(older.steps[0]->lastError(), GameLaunchBase::ErrGameCrashed);
         QCOMPARE(older.journal.story(), QString());
         QCOMPARE(newer.journal.story(),
-                 QStringLiteral("brief 0, 1/100, status here, finished 1 , error 7, failed late"));
+                 "brief 0, 1/100, status here, finished 1 , error 7, failed late");
     }
 
     void aListenerMayDeleteTheChain()

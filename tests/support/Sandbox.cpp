@@ -3,21 +3,21 @@
 #include <QProcess>
 #include <QSettings>
 
-static const QString folderVariable = QStringLiteral("RIVET_TEST_SANDBOX");
+static const QString folderVariable = "RIVET_TEST_SANDBOX";
 
 static int runCopyIn(const QString &folder)
 {
     const QString program = QCoreApplication::applicationFilePath();
-    const QString copy = folder + QLatin1String("/app/") + QFileInfo(program).fileName();
-    if (!QDir(folder).mkpath(QStringLiteral("app")) || !QFile::copy(program, copy))
+    const QString copy = folder + "/app/" + QFileInfo(program).fileName();
+    if (!QDir(folder).mkpath("app") || !QFile::copy(program, copy))
         return EXIT_FAILURE;
 
     auto environment = QProcessEnvironment::systemEnvironment();
     for (const char *variable : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"})
-        environment.insert(QLatin1String(variable), folder + QLatin1String("/home"));
+        environment.insert(variable, folder + "/home");
     environment.insert(folderVariable, folder);
     // Windows looks for libraries beside the program and then here.
-    const QString path = QStringLiteral("PATH");
+    const QString path = "PATH";
     environment.insert(path,
                        QFileInfo(program).path() + QDir::listSeparator() + environment.value(path));
     QProcess child;
@@ -35,10 +35,10 @@ int runInSandbox(int (*test)(int argc, char **argv), int argc, char **argv)
     if (folder.isEmpty())
         return runCopyIn(QTemporaryDir().path());
 
-    QCoreApplication::setOrganizationName(QStringLiteral("tests"));
-    QCoreApplication::setApplicationName(QStringLiteral("sandbox"));
+    QCoreApplication::setOrganizationName("tests");
+    QCoreApplication::setApplicationName("sandbox");
     QSettings::setDefaultFormat(QSettings::IniFormat);
     for (const auto scope : {QSettings::UserScope, QSettings::SystemScope})
-        QSettings::setPath(QSettings::IniFormat, scope, folder + QLatin1String("/settings"));
+        QSettings::setPath(QSettings::IniFormat, scope, folder + "/settings");
     return test(argc, argv);
 }

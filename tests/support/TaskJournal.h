@@ -21,14 +21,14 @@ public:
     }
 
     /// What has come since the last call, joined by ", ".
-    QString story() { return std::exchange(lines, {}).join(QStringLiteral(", ")); }
+    QString story() { return std::exchange(lines, {}).join(", "); }
 
     QStringList lines;
 
 private Q_SLOTS:
-    void onStatus(const QString &text) { lines << QLatin1String("status ") + text; }
-    void onBrief(const QString &text) { lines << QLatin1String("brief ") + text; }
-    void onFailed(const QString &reason) { lines << QLatin1String("failed ") + reason; }
+    void onStatus(const QString &text) { lines << "status " + text; }
+    void onBrief(const QString &text) { lines << "brief " + text; }
+    void onFailed(const QString &reason) { lines << "failed " + reason; }
     void onProgress(quint64 current, quint64 total)
     {
         lines << QStringLiteral("%1/%2").arg(current).arg(total);
