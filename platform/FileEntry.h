@@ -7,7 +7,7 @@
 
 #include "platform/RivetPlatformExport.h"
 
-/// One entry of a folder, looked at and removed without ever following a link.
+/// One entry of a folder, looked at, removed and renamed without ever following a link.
 ///
 /// Paths are absolute and in the system's own form, which also holds names that a QString cannot,
 /// and on Windows is not limited to 260 characters.
@@ -46,6 +46,16 @@ struct RemovalAttempt
 /// Removes one file, one link (never what it points to) or one empty folder, write-protected or
 /// not. Tries once and does not block.
 RIVETPLATFORM_EXPORT RemovalAttempt removeEntry(const NativePath &path, EntryKind kind);
+
+enum class RenameOutcome {
+    Renamed,
+    OtherFileSystem, ///< only a copy gets there; nothing has changed
+    Failed,          ///< nothing has changed
+};
+
+/// Gives the entry @p from, be it a link itself, the name @p to in one step. Never replaces an
+/// entry; does not block.
+RIVETPLATFORM_EXPORT RenameOutcome renameEntry(const NativePath &from, const NativePath &to);
 
 /// Makes sure that entries of the real folder @p path may be removed by its owner; where that does
 /// not work, their removal will say so.

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -51,6 +52,17 @@ RemovalAttempt removeEntry(const NativePath &path, EntryKind kind)
     if (result == 0 || error == ENOENT || error == ENOTDIR)
         return {true, false, {}};
     return {false, error == EBUSY || error == ETXTBSY || error == EINTR, qt_error_string(error)};
+}
+
+RenameOutcome renameEntry(const NativePath &from, const NativePath &to)
+{
+    int result = renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE);
+    // Some file systems can't promise to replace nothing: look first there.
+    if (result != 0 && (errno == EINVAL || errno == ENOSYS) && entryKind(to) == EntryKind::Missing)
+        result = std::rename(from.c_str(), to.c_str());
+    if (result == 0)
+        return RenameOutcome::Renamed;
+    return errno == EXDEV ? RenameOutcome::OtherFileSystem : RenameOutcome::Failed;
 }
 
 void openForRemoval(const NativePath &path)

@@ -116,6 +116,14 @@ RemovalAttempt removeEntry(const NativePath &path, EntryKind)
     return {false, isPassing(error), messageOf(error)};
 }
 
+RenameOutcome renameEntry(const NativePath &from, const NativePath &to)
+{
+    if (MoveFileExW(from.c_str(), to.c_str(), 0))
+        return RenameOutcome::Renamed;
+    return GetLastError() == ERROR_NOT_SAME_DEVICE ? RenameOutcome::OtherFileSystem
+                                                   : RenameOutcome::Failed;
+}
+
 void openForRemoval(const NativePath &)
 {
     // The write protection of a folder does not keep its entries here.
