@@ -31,6 +31,21 @@ std::optional<QString> decodeBy(const char *codecName, const QByteArray &raw)
     return isClean ? std::optional<QString>(name) : std::nullopt;
 }
 
+/// Whether all bytes from 0x80 on stand in the pairs of GBK. Codecs take some single ones too,
+/// which are letters of CP437.
+bool isInPairs(const QByteArray &raw)
+{
+    for (int i = 0; i < raw.size(); ++i) {
+        const auto lead = static_cast<uchar>(raw.at(i));
+        if (lead < 0x80)
+            continue;
+        const auto trail = static_cast<uchar>(++i < raw.size() ? raw.at(i) : 0);
+        if (lead == 0x80 || lead == 0xff || trail < 0x40 || trail == 0x7f || trail == 0xff)
+            return false;
+    }
+    return true;
+}
+
 QString decodeCp437(const QByteArray &raw)
 {
     QString name;
@@ -84,7 +99,8 @@ std::optional<QString> decodeName(const QByteArray &raw, NameCharset charset)
     std::optional<QString> name = decodeBy("UTF-8", raw);
     if (name || charset == NameCharset::Utf8)
         return name;
-    name = decodeBy("GBK", raw);
+    if (isInPairs(raw))
+        name = decodeBy("GBK", raw);
     return name ? name : decodeCp437(raw);
 }
 
