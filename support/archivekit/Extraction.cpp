@@ -1,7 +1,6 @@
 #include "support/archivekit/Extraction.h"
 
 #include <algorithm>
-#include <numeric>
 
 #include <QDir>
 #include <QFileInfo>
@@ -10,6 +9,7 @@
 
 #include "platform/Utf8Names.h"
 #include "support/archivekit/EntryNames.h"
+#include "support/archivekit/WorkQueue.h"
 #include "support/archivekit/ZipDirectory.h"
 #include "support/jsonfskit/Log.h"
 
@@ -26,34 +26,6 @@ qint64 roomFor(QString folder)
     while (!QFileInfo::exists(folder) && !QDir(folder).isRoot())
         folder = QFileInfo(QDir().absoluteFilePath(folder)).path();
     return std::max<qint64>(QStorageInfo(folder).bytesAvailable() - reservedBytes, 0);
-}
-
-/// The order in which the files of a zip are taken by @p threads: the large ones first, the
-/// largest at the head, so that no thread ends with a long one alone; then the others as they lie
-/// in the file, for a thread that goes forward only need not open the archive anew.
-std::vector<size_t> queueOf(const std::vector<EntryHeader> &entries, qint64 totalBytes,
-                            size_t threads)
-{
-    std::vector<size_t> large;
-    std::vector<size_t> queue;
-    const qint64 leastLarge = totalBytes / static_cast<qint64>(16 * threads);
-    for (size_t i = 0; i < entries.size(); ++i) {
-        if (entries[i].type == EntryType::File && entries[i].bytes > leastLarge)
-            large.push_back(i);
-    }
-    std::stable_sort(large.begin(), large.end(), [&entries](size_t a, size_t b) {
-        return entries[a].bytes > entries[b].bytes;
-    });
-    large.resize(std::min(large.size(), 4 * threads));
-    std::vector<bool> isTaken(entries.size());
-    for (const size_t i : large)
-        isTaken[i] = true;
-    queue = std::move(large);
-    for (size_t i = 0; i < entries.size(); ++i) {
-        if (entries[i].type == EntryType::File && !isTaken[i])
-            queue.push_back(i);
-    }
-    return queue;
 }
 
 /// What is unpacked already, scaled up by the used share of the archive.
@@ -75,6 +47,32 @@ void makeExecutable(QFile &file)
 }
 
 } // namespace
+
+/// What one thread has for unpacking a zip. The entries lie in the order in which the reader
+/// meets them.
+struct Extraction::ZipWorker
+{
+    ArchiveReader reader;
+    const std::vector<EntryHeader> &entries;
+    const std::vector<QString> &paths;
+    size_t reached = 0; ///< the entries before it are behind the reader
+    bool isOpen = false;
+
+    /// Brings the reader to the entry at @p wanted.
+    bool goTo(size_t wanted)
+    {
+        if (!isOpen || wanted < reached) {
+            reached = 0;
+            isOpen = reader.open();
+        }
+        while (isOpen && reached <= wanted) {
+            if (reader.nextEntry() != ReadStep::Next)
+                return false;
+            ++reached;
+        }
+        return isOpen;
+    }
+};
 
 Extraction::Extraction(QString archivePath, QString targetDirectory)
     : m_archivePath(archivePath), m_targetDirectory(targetDirectory)
@@ -124,38 +122,32 @@ bool Extraction::unpackZip()
 
     QThreadPool pool;
     const auto threads = static_cast<size_t>(pool.maxThreadCount());
-    const std::vector<size_t> queue = queueOf(entries, plan.totalBytes(), threads);
+    const std::vector<Batch> batches = batchesOf(entries, plan.totalBytes(), threads);
     std::atomic<size_t> next{0};
-    for (size_t i = 0; i < std::min(threads, queue.size()); ++i)
-        pool.start([&] { unpackQueue(entries, paths, queue, next); });
+    for (size_t i = 0; i < std::min(threads, batches.size()); ++i) {
+        pool.start([&] {
+            const platform::Utf8Names names;
+            ZipWorker worker{ArchiveReader(m_archivePath, ReaderFormat::Zip, m_stop), entries,
+                             paths};
+            for (size_t taken = next++; taken < batches.size(); taken = next++) {
+                if (!unpackBatch(worker, batches[taken]))
+                    return;
+            }
+        });
+    }
     pool.waitForDone();
     return !m_stop;
 }
 
-/// The work of one thread: takes the next file of the queue until there is none. The entries lie
-/// in the order in which the reader meets them.
-void Extraction::unpackQueue(const std::vector<EntryHeader> &entries,
-                             const std::vector<QString> &paths, const std::vector<size_t> &queue,
-                             std::atomic<size_t> &next)
+bool Extraction::unpackBatch(ZipWorker &worker, const Batch &batch)
 {
-    const platform::Utf8Names names;
-    ArchiveReader reader(m_archivePath, ReaderFormat::Zip, m_stop);
-    size_t reached = entries.size();
-    for (size_t taken = next++; taken < queue.size() && !m_stop; taken = next++) {
-        const size_t wanted = queue[taken];
-        const EntryHeader &entry = entries[wanted];
-        if (wanted < reached) {
-            reached = 0;
-            if (!reader.open())
-                return void(fail({}, reader.failure()));
-        }
-        for (; reached <= wanted; ++reached) {
-            if (reader.nextEntry() != ReadStep::Next)
-                return void(fail(entries[reached].name, reader.failure()));
-        }
-        if (!writeEntry(reader, entry, paths[wanted]))
-            return;
+    for (const size_t wanted : batch) {
+        if (m_stop || !worker.goTo(wanted))
+            return fail(worker.entries[wanted].name, worker.reader.failure());
+        if (!writeEntry(worker.reader, worker.entries[wanted], worker.paths[wanted]))
+            return false;
     }
+    return true;
 }
 
 bool Extraction::unpackStream()

@@ -41,8 +41,8 @@ private:
     bool unpackZip();
     bool unpackStream();
     bool prepareAndMakeFolders(const QStringList &folders);
-    void unpackQueue(const std::vector<EntryHeader> &entries, const std::vector<QString> &paths,
-                     const std::vector<size_t> &queue, std::atomic<size_t> &next);
+    struct ZipWorker;
+    bool unpackBatch(ZipWorker &worker, const std::vector<size_t> &batch);
     bool writeEntry(ArchiveReader &reader, const EntryHeader &entry, const QString &path);
     bool writeContent(ArchiveReader &reader, const EntryHeader &entry, QFile &file);
     bool commit();
