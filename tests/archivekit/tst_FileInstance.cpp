@@ -266,7 +266,8 @@ private Q_SLOTS:
         row("less than told", zipOf({good, {"x", "data", 0100644, 0, 8, 9}}), "x");
         row("another local name", zipOf({good, {"x", "data", 0100644, 0, 0, 0, 0, 0, "y"}}), "x",
             "the entry's own header differs");
-        row("overlapping", zipOf({{"x"}, {"x", "data", 0100644, 0, 0, 0, -35}}), "x");
+        row("overlapping",
+            zipOf({{"x", zipOf({{"y"}}).left(35)}, {"y", "data", 0100644, 0, 0, 0, -35}}), "y");
         row("not there", zipOf({good, {"x", "data", 0100644, 0, 0, 0, 1}}), "x");
         row("larger than the disk", tarOf({good, {"x", "data", 0100644, 0, 0, 4000}}), "x",
             "the archive does not fit");
