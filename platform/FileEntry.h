@@ -27,6 +27,10 @@ enum class EntryKind {
 };
 
 RIVETPLATFORM_EXPORT EntryKind entryKind(const NativePath &path);
+inline EntryKind entryKind(const QString &absolutePath)
+{
+    return entryKind(toNative(absolutePath));
+}
 
 struct FolderListing
 {

@@ -74,7 +74,7 @@ void appendEntries(QStringList &list, const QString &dir, const QStringList &abo
 
 EntryKind kindOf(const QString &path)
 {
-    return platform::entryKind(platform::toNative(QDir().absoluteFilePath(path)));
+    return platform::entryKind(QDir().absoluteFilePath(path));
 }
 
 bool moveFile(const QString &from, const QString &to, bool keepTarget)

@@ -1,0 +1,25 @@
+#include "core/launch/ArgumentTemplate.h"
+
+#include <QFile>
+
+namespace ArgumentTemplate {
+
+std::optional<QStringList> read(const QString &path, const QVector<Replacement> &replacements)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    QStringList arguments;
+    while (!file.atEnd()) {
+        QByteArray line = file.readLine();
+        if (line.isEmpty())
+            continue;
+        line.replace('\r', QByteArray()).replace('\n', QByteArray());
+        for (const Replacement &replacement : replacements)
+            line.replace(replacement.placeholder, replacement.value);
+        arguments << QString::fromUtf8(line);
+    }
+    return arguments;
+}
+
+} // namespace ArgumentTemplate

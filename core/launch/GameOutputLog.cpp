@@ -1,0 +1,27 @@
+#include "core/launch/GameOutputLog.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+
+#include "support/jsonfskit/FS.h"
+#include "support/jsonfskit/Log.h"
+
+namespace GameOutputLog {
+
+QString startNew(const QString &instanceDir)
+{
+    const QString dir = QDir::cleanPath(QDir(instanceDir).absolutePath());
+    const QString current = dir + QLatin1String("/game-output.log");
+    const QString previous = dir + QLatin1String("/game-output.previous.log");
+    if (QFile::exists(current) && !(FS::removeFile(previous) && QFile::rename(current, previous)))
+        Log::warning(QLatin1String("the game's last output could not be kept: ") + current);
+
+    // A process whose output can't be opened does not start.
+    if (QFile(current).open(QIODevice::WriteOnly))
+        return current;
+    Log::warning(QLatin1String("the game's output could not be opened: ") + current);
+    return QProcess::nullDevice();
+}
+
+} // namespace GameOutputLog

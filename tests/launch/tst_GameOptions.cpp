@@ -1,0 +1,88 @@
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include "core/launch/GameOptions.h"
+#include "support/jsonfskit/FS.h"
+#include "tests/support/LogCapture.h"
+
+class tst_GameOptions : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void editsTheFiles()
+    {
+        const QString none, pack = QStringLiteral("包 1.zip");
+        const QByteArray name = pack.toUtf8(), many = QByteArray("key:value\r\n").repeated(400000);
+        const auto options = GameOptions::updateOptions;
+        const auto shaders = GameOptions::updateShaderOptions;
+        const char *const missing = nullptr;
+        const struct
+        {
+            const char *name;
+            bool (*update)(const QString &, const QString &);
+            QString pack;
+            QByteArray before, after;
+        } rows[] = {
+            {"new", options, pack, missing,
+             "gamma:1.0\r\nlang:zh_CN\r\nresourcePacks:[\"" + name + "\"]\r\n"},
+            {"new without pack", options, none, missing, "gamma:1.0\r\nlang:zh_CN\r\n"},
+            {"empty", options, none, "", "resourcePacks:[\"\"]\r\nlang:zh_CN\r\n"},
+            {"no final line end", options, none, "fov:0.5",
+             "fov:0.5\r\nresourcePacks:[\"\"]\r\nlang:zh_CN\r\n"},
+            {"replaced in its place", options, pack,
+             "gamma:0.5\nresourcePacks:[\"a.zip\",\"b.zip\"]\nlang:de_DE\n x:\xff",
+             "gamma:0.5\nresourcePacks:[\"" + name + "\"]\r\nlang:de_DE\n x:\xff"},
+            {"pack line without end", options, none, "lang:en\r\n\r\nresourcePacks:[]",
+             "lang:en\r\n\r\nresourcePacks:[\"\"]\r\n"},
+            {"key not at the front", options, none, "my lang:x\r\nresourcePacks:x\r\n",
+             "my lang:x\r\nresourcePacks:x\r\nresourcePacks:[\"\"]\r\nlang:zh_CN\r\n"},
+            {"several MB", options, none, many, many + "resourcePacks:[\"\"]\r\nlang:zh_CN\r\n"},
+            {"new shaders", shaders, QStringLiteral("s.zip"), missing, "shaderPack=s.zip\r\n"},
+            {"new shaders without pack", shaders, none, missing, ""},
+            {"shaders replaced", shaders, none, "a=1\r\nshaderPack=old\nb=2",
+             "a=1\r\nshaderPack=\r\nb=2"},
+            {"shaders added", shaders, QStringLiteral("s.zip"), QByteArray("a=\0", 3),
+             QByteArray("a=\0\r\nshaderPack=s.zip\r\n", 23)},
+        };
+        for (const auto &row : rows) {
+            const QTemporaryDir dir;
+            const QString file = dir.filePath(QStringLiteral("o.txt"));
+            QVERIFY(row.before.isNull() || FS::writeFile(file, row.before));
+            QVERIFY2(row.update(file, row.pack), row.name);
+            QVERIFY2(FS::readFile(file) == row.after, row.name);
+            QVERIFY(row.update(file, row.pack));
+            QVERIFY2(FS::readFile(file) == row.after || row.before.isNull(), "a second run");
+        }
+    }
+
+    void whatCannotBeReadOrWrittenIsLogged()
+    {
+        const QTemporaryDir dir;
+        const LogCapture log;
+        QVERIFY2(!GameOptions::updateOptions(dir.path(), {}), "a folder can't be read");
+        const QString file = dir.filePath(QStringLiteral("o.txt"));
+        QVERIFY(FS::writeFile(file, "old"));
+        QVERIFY2(GameOptions::updateOptions(file + QLatin1String("/o.txt"), {}),
+                 "nor a file below a file written");
+        QCOMPARE(log.lines().size(), 2);
+        QVERIFY(QFile::setPermissions(file, QFileDevice::ReadOwner));
+        if (QFileInfo(file).isWritable())
+            QSKIP("this user may write everything");
+        QVERIFY(GameOptions::updateOptions(file, {}));
+        QVERIFY(FS::readFile(file) == QByteArray("old") && log.lines().size() == 3);
+    }
+
+    void theFirstPackCounts()
+    {
+        const QTemporaryDir dir;
+        QCOMPARE(GameOptions::firstPack(dir.filePath(QStringLiteral("none"))), QString());
+        QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("folder.zip")));
+        QVERIFY(FS::writeFile(dir.filePath(QStringLiteral("a.rar")), ""));
+        QCOMPARE(GameOptions::firstPack(dir.path()), QString());
+        QVERIFY(FS::writeFile(dir.filePath(QStringLiteral("z.7z")), ""));
+        QCOMPARE(GameOptions::firstPack(dir.path()), QStringLiteral("z.7z"));
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_GameOptions)
+#include "tst_GameOptions.moc"

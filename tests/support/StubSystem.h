@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QString>
+
+/// What the stub Java asks of the system. One implementation for each.
+namespace StubSystem {
+
+/// Opens a window with an empty title; false without a display.
+bool openWindow();
+/// The title that the window has now.
+QString windowTitle();
+/// Ends this process the way a crash does.
+[[noreturn]] void crash();
+
+} // namespace StubSystem

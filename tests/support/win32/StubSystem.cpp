@@ -1,0 +1,38 @@
+#include "tests/support/StubSystem.h"
+
+#include <cstdlib>
+
+#include <windows.h>
+
+// The C run time shall expand wildcards in bare arguments, as a Java program does.
+extern "C" {
+int _dowildcard = -1;
+}
+
+namespace StubSystem {
+
+static HWND window = nullptr;
+
+bool openWindow()
+{
+    window = CreateWindowExW(0, L"STATIC", L"", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 99, 99,
+                             nullptr, nullptr, nullptr, nullptr);
+    return window != nullptr;
+}
+
+QString windowTitle()
+{
+    MSG message;
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
+        DispatchMessageW(&message);
+    wchar_t text[99] = {};
+    return QString::fromWCharArray(text, GetWindowTextW(window, text, 99));
+}
+
+void crash()
+{
+    TerminateProcess(GetCurrentProcess(), 0xC0000005);
+    std::abort();
+}
+
+} // namespace StubSystem
