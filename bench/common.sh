@@ -6,6 +6,19 @@ rounds=${RIVET_BENCH_ROUNDS:-5}
 work=$(mktemp -d "${TMPDIR:-/tmp}/rivet-bench.XXXXXX")
 trap 'rm -rf "$work"' EXIT
 
+# need_packages <package>...: installs those that are missing.
+need_packages() {
+    local package missing=()
+    for package in "$@"; do
+        dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null |
+            grep -qx installed || missing+=("$package")
+    done
+    [ ${#missing[@]} -gt 0 ] || return 0
+    local as_root=()
+    [ "$(id -u)" -eq 0 ] || as_root=(sudo)
+    "${as_root[@]}" apt-get install --quiet=2 --yes --no-install-recommends "${missing[@]}" </dev/null
+}
+
 contenders=()
 declare -A command_of prepare_of
 
@@ -50,4 +63,28 @@ run_contest() {
                    -v b="$(cut -d' ' -f1 "$file" | median)" 'BEGIN { print a / b }')"
     done
     contenders=()
+}
+
+# need_packages <package>...: installs those that are missing, without starting their services.
+need_packages() {
+    local package status missing=() as_root=() policy
+    for package; do
+        status=$(dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null || true)
+        [ "$status" = installed ] || missing+=("$package")
+    done
+    [ ${#missing[@]} -gt 0 ] || return 0
+    [ "$(id -u)" -eq 0 ] || as_root=(sudo)
+    echo "bench: installing ${missing[*]}"
+    # The name of this file is what dpkg's service helper asks; an existing answer stays.
+    policy=/usr/sbin/policy-rc.d
+    if [ -e "$policy" ]; then
+        policy=
+    else
+        printf '#!/bin/sh\nexit 101\n' | "${as_root[@]}" tee "$policy" >/dev/null
+        "${as_root[@]}" chmod 755 "$policy"
+    fi
+    "${as_root[@]}" apt-get update --quiet=2
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+        apt-get install --quiet=2 --yes --no-install-recommends "${missing[@]}" </dev/null
+    [ -z "$policy" ] || "${as_root[@]}" rm "$policy"
 }

@@ -7,7 +7,7 @@
 
 #include "platform/RivetPlatformExport.h"
 
-/// One entry of a folder, looked at and removed without ever following a link.
+/// One entry of a folder, looked at, removed and renamed without ever following a link.
 ///
 /// Paths are absolute and in the system's own form, which also holds names that a QString cannot,
 /// and on Windows is not limited to 260 characters.
@@ -27,6 +27,10 @@ enum class EntryKind {
 };
 
 RIVETPLATFORM_EXPORT EntryKind entryKind(const NativePath &path);
+inline EntryKind entryKind(const QString &absolutePath)
+{
+    return entryKind(toNative(absolutePath));
+}
 
 struct FolderListing
 {
@@ -47,6 +51,16 @@ struct RemovalAttempt
 /// not. Tries once and does not block.
 RIVETPLATFORM_EXPORT RemovalAttempt removeEntry(const NativePath &path, EntryKind kind);
 
+enum class RenameOutcome {
+    Renamed,
+    OtherFileSystem, ///< only a copy gets there; nothing has changed
+    Failed,          ///< nothing has changed
+};
+
+/// Gives the entry @p from, be it a link itself, the name @p to in one step. Never replaces an
+/// entry; does not block.
+RIVETPLATFORM_EXPORT RenameOutcome renameEntry(const NativePath &from, const NativePath &to);
+
 /// Makes sure that entries of the real folder @p path may be removed by its owner; where that does
 /// not work, their removal will say so.
 RIVETPLATFORM_EXPORT void openForRemoval(const NativePath &path);
@@ -57,6 +71,10 @@ RIVETPLATFORM_EXPORT bool isSameEntry(const NativePath &a, const NativePath &b);
 /// True for the root of a file system or of a network share, and for forms that name no entry of
 /// a file system at all, such as a device or a drive's current folder.
 RIVETPLATFORM_EXPORT bool isRootOrDevice(const QString &path);
+
+/// Gives the file @p from the name @p to in one step, also when a file of that name is there. Both
+/// lie on one file system. On false both names are as they were.
+[[nodiscard]] RIVETPLATFORM_EXPORT bool replaceFile(const QString &from, const QString &to);
 
 /// A form of @p path that is equal for two spellings of one file name: as it is where names differ
 /// by case, case-folded where they do not.

@@ -1,6 +1,8 @@
 #include "platform/FileEntry.h"
 
 #include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -52,6 +54,17 @@ RemovalAttempt removeEntry(const NativePath &path, EntryKind kind)
     return {false, error == EBUSY || error == ETXTBSY || error == EINTR, qt_error_string(error)};
 }
 
+RenameOutcome renameEntry(const NativePath &from, const NativePath &to)
+{
+    int result = renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE);
+    // Some file systems can't promise to replace nothing: look first there.
+    if (result != 0 && (errno == EINVAL || errno == ENOSYS) && entryKind(to) == EntryKind::Missing)
+        result = std::rename(from.c_str(), to.c_str());
+    if (result == 0)
+        return RenameOutcome::Renamed;
+    return errno == EXDEV ? RenameOutcome::OtherFileSystem : RenameOutcome::Failed;
+}
+
 void openForRemoval(const NativePath &path)
 {
     struct stat folder
@@ -73,6 +86,11 @@ bool isSameEntry(const NativePath &a, const NativePath &b)
 bool isRootOrDevice(const QString &path)
 {
     return QDir::cleanPath(QDir(path).absolutePath()) == QLatin1String("/");
+}
+
+bool replaceFile(const QString &from, const QString &to)
+{
+    return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
 }
 
 QString comparableName(const QString &path)

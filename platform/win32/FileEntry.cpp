@@ -116,6 +116,14 @@ RemovalAttempt removeEntry(const NativePath &path, EntryKind)
     return {false, isPassing(error), messageOf(error)};
 }
 
+RenameOutcome renameEntry(const NativePath &from, const NativePath &to)
+{
+    if (MoveFileExW(from.c_str(), to.c_str(), 0))
+        return RenameOutcome::Renamed;
+    return GetLastError() == ERROR_NOT_SAME_DEVICE ? RenameOutcome::OtherFileSystem
+                                                   : RenameOutcome::Failed;
+}
+
 void openForRemoval(const NativePath &)
 {
     // The write protection of a folder does not keep its entries here.
@@ -138,6 +146,12 @@ bool isRootOrDevice(const QString &path)
         QStringLiteral("^([A-Za-z]:([^/].*)?/?|/|//[^/]*(/[^/]*)?/?|//[.?](/.*)?)$"));
     return forms.match(QDir::fromNativeSeparators(path)).hasMatch() ||
            QDir(QDir::cleanPath(QDir(path).absolutePath())).isRoot();
+}
+
+bool replaceFile(const QString &from, const QString &to)
+{
+    return MoveFileExW(nativePath(from).c_str(), nativePath(to).c_str(),
+                       MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
 }
 
 QString comparableName(const QString &path)

@@ -1,3 +1,4 @@
+#include <future>
 #include <memory>
 
 #include <QTemporaryDir>
@@ -123,6 +124,29 @@ private Q_SLOTS:
         QVERIFY(FS::clearFolder(m_ours, {"sub/b.txt"}, FS::ClearScope::WholeTree));
         QCOMPARE(treeOf(m_ours), "sub sub/b.txt");
         QVERIFY(QFileInfo(m_ours + "/sub").permissions() & QFileDevice::WriteOwner);
+    }
+
+    void heldEntriesAreTriedAgain()
+    {
+        QFile held(m_ours + "/sub/b.txt");
+        QVERIFY(held.open(QIODevice::ReadOnly));
+        if (QOperatingSystemVersion::currentType() == QOperatingSystemVersion::Windows) {
+            const LogCapture log;
+            QCOMPARE(FS::removeTree(m_ours).firstFailure, held.fileName());
+            QCOMPARE(treeOf(m_ours), "sub sub/b.txt");
+        }
+        const auto release = std::async(std::launch::async, [&held] {
+            QThread::msleep(200);
+            held.close();
+        });
+        QVERIFY(FS::removeTree(m_ours) && !QFileInfo::exists(m_ours));
+    }
+
+    void longAndForeignNamesGo()
+    {
+        const QString deep = m_ours + QString('/' + QString(40, 'd')).repeated(8);
+        makeFiles(deep, {QString::fromUtf8("имя 名 😀.txt")});
+        QVERIFY(FS::removeTree(m_ours) && !QFileInfo::exists(m_ours));
     }
 
 private:

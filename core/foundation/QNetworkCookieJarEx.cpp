@@ -1,0 +1,3 @@
+#include "core/foundation/QNetworkCookieJarEx.h"
+
+QNetworkCookieJarEx::QNetworkCookieJarEx(QObject *parent) : QNetworkCookieJar(parent) {}
