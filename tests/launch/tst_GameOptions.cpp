@@ -11,7 +11,7 @@ class tst_GameOptions : public QObject
 private Q_SLOTS:
     void editsTheFiles()
     {
-        const QString none, pack = QStringLiteral("包 1.zip");
+        const QString none, pack = "包 1.zip";
         const QByteArray name = pack.toUtf8(), many = QByteArray("key:value\r\n").repeated(400000);
         const auto options = GameOptions::updateOptions;
         const auto shaders = GameOptions::updateShaderOptions;
@@ -37,16 +37,16 @@ private Q_SLOTS:
             {"key not at the front", options, none, "my lang:x\r\nresourcePacks:x\r\n",
              "my lang:x\r\nresourcePacks:x\r\nresourcePacks:[\"\"]\r\nlang:zh_CN\r\n"},
             {"several MB", options, none, many, many + "resourcePacks:[\"\"]\r\nlang:zh_CN\r\n"},
-            {"new shaders", shaders, QStringLiteral("s.zip"), missing, "shaderPack=s.zip\r\n"},
+            {"new shaders", shaders, "s.zip", missing, "shaderPack=s.zip\r\n"},
             {"new shaders without pack", shaders, none, missing, ""},
             {"shaders replaced", shaders, none, "a=1\r\nshaderPack=old\nb=2",
              "a=1\r\nshaderPack=\r\nb=2"},
-            {"shaders added", shaders, QStringLiteral("s.zip"), QByteArray("a=\0", 3),
+            {"shaders added", shaders, "s.zip", QByteArray("a=\0", 3),
              QByteArray("a=\0\r\nshaderPack=s.zip\r\n", 23)},
         };
         for (const auto &row : rows) {
             const QTemporaryDir dir;
-            const QString file = dir.filePath(QStringLiteral("o.txt"));
+            const QString file = dir.filePath("o.txt");
             QVERIFY(row.before.isNull() || FS::writeFile(file, row.before));
             QVERIFY2(row.update(file, row.pack), row.name);
             QVERIFY2(FS::readFile(file) == row.after, row.name);
@@ -60,9 +60,9 @@ private Q_SLOTS:
         const QTemporaryDir dir;
         const LogCapture log;
         QVERIFY2(!GameOptions::updateOptions(dir.path(), {}), "a folder can't be read");
-        const QString file = dir.filePath(QStringLiteral("o.txt"));
+        const QString file = dir.filePath("o.txt");
         QVERIFY(FS::writeFile(file, "old"));
-        QVERIFY2(GameOptions::updateOptions(file + QLatin1String("/o.txt"), {}),
+        QVERIFY2(GameOptions::updateOptions(file + "/o.txt", {}),
                  "nor a file below a file written");
         QCOMPARE(log.lines().size(), 2);
         QVERIFY(QFile::setPermissions(file, QFileDevice::ReadOwner));
@@ -75,12 +75,12 @@ private Q_SLOTS:
     void theFirstPackCounts()
     {
         const QTemporaryDir dir;
-        QCOMPARE(GameOptions::firstPack(dir.filePath(QStringLiteral("none"))), QString());
-        QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("folder.zip")));
-        QVERIFY(FS::writeFile(dir.filePath(QStringLiteral("a.rar")), ""));
+        QCOMPARE(GameOptions::firstPack(dir.filePath("none")), QString());
+        QVERIFY(QDir(dir.path()).mkdir("folder.zip"));
+        QVERIFY(FS::writeFile(dir.filePath("a.rar"), ""));
         QCOMPARE(GameOptions::firstPack(dir.path()), QString());
-        QVERIFY(FS::writeFile(dir.filePath(QStringLiteral("z.7z")), ""));
-        QCOMPARE(GameOptions::firstPack(dir.path()), QStringLiteral("z.7z"));
+        QVERIFY(FS::writeFile(dir.filePath("z.7z"), ""));
+        QCOMPARE(GameOptions::firstPack(dir.path()), "z.7z");
     }
 };
 

@@ -1,13 +1,41 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
+#include <memory>
 
 #include <QCoreApplication>
 #include <QMetaEnum>
 #include <QTemporaryDir>
+#include <QThread>
 
 #include "core/launch/LaunchMcProcess.h"
+#include "platform/OtherProcesses.h"
 #include "support/jsonfskit/FS.h"
+
+/// A system without windows: a game counts as up at once, unless told otherwise.
+class WindowlessSystem final : public platform::OtherProcesses
+{
+public:
+    WindowlessSystem() { replace(this); }
+    ~WindowlessSystem() override { replace(nullptr); }
+    std::optional<quint32> end(qint64 id) const override
+    {
+        return canEnd ? real.end(id) : std::optional<quint32>(5);
+    }
+    InputWait waitForInput(qint64) const override
+    {
+        while (!comesUp && !QThread::currentThread()->isInterruptionRequested())
+            QThread::msleep(1);
+        return InputWait::Ready;
+    }
+    bool setWindowTitle(qint64, const QString &) const override { return false; }
+
+    std::atomic_bool canEnd{true}, comesUp{true};
+
+private:
+    const OtherProcesses &real = current();
+};
 
 /// One game in a temporary game base: the stub Java (tests/support/StubJava.cpp), steered by
 /// `steps`, in which "%dir" stands for the instance directory. Once the game counts as up, the file
@@ -17,28 +45,24 @@ struct GameRun
 {
     using State = LaunchMcProcess::State;
 
-    explicit GameRun(QString steps = QStringLiteral("until %dir/go"),
-                     const QByteArray &argumentTemplate = "-x\n",
-                     const QString &name = QStringLiteral("Instance"))
+    explicit GameRun(QString steps = "until %dir/go", const QByteArray &argumentTemplate = "-x\n",
+                     const QString &name = "Instance")
         : instance(dir.filePath(name))
     {
-        if (!FS::writeFile(dir.filePath(QStringLiteral(".minecraft/versions/oriel7/7.bat")),
-                           argumentTemplate))
+        if (!FS::writeFile(dir.filePath(".minecraft/versions/oriel7/7.bat"), argumentTemplate))
             qFatal("no template");
-        game->setArgs(Game::ArgJavaPath,
-                      QCoreApplication::applicationDirPath() + QLatin1String("/stub-java"));
+        game->setArgs(Game::ArgJavaPath, QCoreApplication::applicationDirPath() + "/stub-java");
         game->setArgs(Game::ArgGameBase, dir.path());
         game->setArgs(Game::ArgInstanceDir, instance);
-        game->setArgs(Game::ArgUserName, QStringLiteral("Steve"));
+        game->setArgs(Game::ArgUserName, "Steve");
         auto environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("STUB_STEPS"),
-                           steps.replace(QLatin1String("%dir"), instance));
+        environment.insert("STUB_STEPS", steps.replace("%dir", instance));
         game->setProcessEnv(environment);
         QObject::connect(game.get(), &Game::processStateChange, game.get(), [this](State state) {
             const char *const key = QMetaEnum::fromType<State>().valueToKey(state);
             states << QString::fromLatin1(key).mid(5);
             if (state == Game::StateRunning)
-                touch(QStringLiteral("go"));
+                touch("go");
             if (onState)
                 onState(state);
         });
@@ -47,7 +71,7 @@ struct GameRun
     ~GameRun()
     {
         if (QFileInfo(instance).isDir())
-            touch(QStringLiteral("go"));
+            touch("go");
     }
 
     void touch(const QString &name, const QByteArray &data = {}) const
@@ -55,16 +79,16 @@ struct GameRun
         if (!FS::writeFile(file(name), data))
             qFatal("no file");
     }
-    QString file(const QString &name) const { return instance + QLatin1Char('/') + name; }
-    QByteArray output(const QString &name = QStringLiteral("game-output.log")) const
+    QString file(const QString &name) const { return instance + '/' + name; }
+    QByteArray output(const QString &name = "game-output.log") const
     {
         return FS::readFile(file(name)).value_or("none").replace("\r\n", "\n");
     }
-    QString story() const { return states.join(QLatin1Char(' ')); }
+    QString story() const { return states.join(' '); }
 
     QTemporaryDir dir;
     QString instance;
     QStringList states;
     std::function<void(State)> onState;
-    std::unique_ptr<Game> game = std::make_unique<Game>(QStringLiteral("7"));
+    std::unique_ptr<Game> game = std::make_unique<Game>("7");
 };

@@ -32,29 +32,29 @@ void waitFor(Condition condition)
 
 void run(const QString &step, const QString &value)
 {
-    if (step == QLatin1String("args")) {
+    if (step == "args") {
         for (const QString &argument : QCoreApplication::arguments().mid(1))
             print('[' + argument.toUtf8() + ']');
-    } else if (step == QLatin1String("print")) {
+    } else if (step == "print") {
         print(value.toUtf8());
-    } else if (step == QLatin1String("flood")) {
+    } else if (step == "flood") {
         for (int megabyte = 0; megabyte < value.toInt(); ++megabyte)
             print(QByteArray(1024 * 1024 - 1, '.'));
-    } else if (step == QLatin1String("until")) {
+    } else if (step == "until") {
         waitFor([&] { return QFile::exists(value); });
-    } else if (step == QLatin1String("touch")) {
+    } else if (step == "touch") {
         QFile(value).open(QIODevice::WriteOnly);
-    } else if (step == QLatin1String("child")) {
+    } else if (step == "child") {
         qputenv("STUB_STEPS", "until " + value.toUtf8());
         QProcess::startDetached(QCoreApplication::applicationFilePath(), {});
-    } else if (step == QLatin1String("window")) {
+    } else if (step == "window") {
         print(StubSystem::openWindow() ? "opened" : "no window");
-    } else if (step == QLatin1String("title")) {
+    } else if (step == "title") {
         waitFor([] { return !StubSystem::windowTitle().isEmpty(); });
         print(StubSystem::windowTitle().toUtf8());
-    } else if (step == QLatin1String("crash")) {
+    } else if (step == "crash") {
         StubSystem::crash();
-    } else if (step == QLatin1String("exit")) {
+    } else if (step == "exit") {
         std::exit(value.toInt());
     }
 }
@@ -64,8 +64,8 @@ void run(const QString &step, const QString &value)
 int main(int argc, char **argv)
 {
     const QCoreApplication app(argc, argv);
-    const QStringList steps = qEnvironmentVariable("STUB_STEPS").split(QLatin1Char('|'));
+    const QStringList steps = qEnvironmentVariable("STUB_STEPS").split('|');
     for (const QString &step : steps)
-        run(step.section(QLatin1Char(' '), 0, 0), step.section(QLatin1Char(' '), 1));
+        run(step.section(' ', 0, 0), step.section(' ', 1));
     return 0;
 }
