@@ -217,11 +217,10 @@ private Q_SLOTS:
         play(server.at(path).serve(body).etag("\"1\""), fault.script);
         Download download(server.url(path), target.file);
         QCOMPARE(download.run(), fault.status);
-        QVERIFY2(fault.requests == anyNumber || (server.requests().size() == fault.requests &&
-                                                 rangeRequests(server) == fault.ranges),
-                 qPrintable(QStringLiteral("%1 requests, %2 ranges")
-                                .arg(server.requests().size())
-                                .arg(rangeRequests(server))));
+        if (fault.requests != anyNumber) {
+            QCOMPARE(server.requests().size(), fault.requests);
+            QCOMPARE(rangeRequests(server), fault.ranges);
+        }
         QVERIFY2(server.bodySentBytes() <= fault.sentBytes,
                  qPrintable(QString::number(server.bodySentBytes())));
         const bool isFinished = fault.status == finished;
@@ -264,7 +263,8 @@ private Q_SLOTS:
         Target target;
         server.at(path).serve(body).etag("\"1\"").trickle(16'384, 1);
         QProcess child;
-        child.start(QCoreApplication::applicationFilePath(), arguments(server, target.file));
+        child.start(QCoreApplication::applicationFilePath(),
+                    {QStringLiteral("fetch"), server.url(path).toString(), target.file});
         QVERIFY(await([&] { return server.bodySentBytes() > half; }));
         child.kill();
         QVERIFY(child.waitForFinished());
@@ -296,6 +296,8 @@ private Q_SLOTS:
         if (child.exitCode() == 77)
             QSKIP("mounting a small file system needs more rights");
         QCOMPARE(child.exitCode(), finished);
+        const QString file = target.folder.filePath(QStringLiteral("f"));
+        QVERIFY(FS::readFile(file).value_or(body) == body); // the small file system is gone
         QCOMPARE(rangeRequests(server), 1);
     }
 
@@ -392,10 +394,6 @@ private:
     static const Row &row(const Row (&table)[count])
     {
         return table[*static_cast<int *>(QTest::qData("index", qMetaTypeId<int>()))];
-    }
-    static QStringList arguments(const TestServer &server, const QString &file)
-    {
-        return {QStringLiteral("fetch"), server.url(path).toString(), file};
     }
 };
 
