@@ -6,19 +6,6 @@ rounds=${RIVET_BENCH_ROUNDS:-5}
 work=$(mktemp -d "${TMPDIR:-/tmp}/rivet-bench.XXXXXX")
 trap 'rm -rf "$work"' EXIT
 
-# need_packages <package>...: installs those that are missing.
-need_packages() {
-    local package missing=()
-    for package in "$@"; do
-        dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null |
-            grep -qx installed || missing+=("$package")
-    done
-    [ ${#missing[@]} -gt 0 ] || return 0
-    local as_root=()
-    [ "$(id -u)" -eq 0 ] || as_root=(sudo)
-    "${as_root[@]}" apt-get install --quiet=2 --yes --no-install-recommends "${missing[@]}" </dev/null
-}
-
 contenders=()
 declare -A command_of prepare_of
 

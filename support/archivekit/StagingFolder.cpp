@@ -94,8 +94,8 @@ bool StagingFolder::place(const QString &relative)
 {
     const QString from = contentPath() % relative;
     const QString to = m_target % relative;
-    const bool isFolder = platform::entryKind(from) == EntryKind::Directory;
-    switch (platform::entryKind(to)) {
+    const bool isFolder = platform::entryKind(platform::toNative(from)) == EntryKind::Directory;
+    switch (platform::entryKind(platform::toNative(to))) {
     case EntryKind::Missing:
         return move(from, to) || fail(relative, QStringLiteral("it can not be moved into place"));
     case EntryKind::Directory:

@@ -70,15 +70,15 @@ private Q_SLOTS:
     void mayBeDeletedByItsListeners()
     {
         for (const bool onFailed : {false, true}) {
-            auto *task = new Task;
-            const QPointer<Task> watch(task);
+            const QPointer<Task> task(new Task);
+            const auto deleteIt = [task] { delete task; };
             if (onFailed)
-                connect(task, &TaskAbstract::failed, this, [task] { delete task; });
+                connect(task, &TaskAbstract::failed, this, deleteIt);
             else
-                connect(task, &TaskAbstract::finished, this, [task] { delete task; });
+                connect(task, &TaskAbstract::finished, this, deleteIt);
             task->work = [](Task &t) { t.emitFailed("why"); };
             task->start();
-            QVERIFY(watch.isNull());
+            QVERIFY(task.isNull());
         }
     }
 

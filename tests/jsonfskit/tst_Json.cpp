@@ -7,11 +7,6 @@ namespace {
 
 const QString name = "the thing";
 
-QJsonValue valueOf(const char *json)
-{
-    return QJsonDocument::fromJson(QByteArray("[") + json + "]").array().at(0);
-}
-
 /// @p type if @p read accepts; empty if it throws an Exception that names what was read.
 template <typename Read>
 QByteArray accepts(const char *type, Read read)
@@ -32,38 +27,26 @@ class tst_Json : public QObject
 private Q_SLOTS:
     void typesAreStrict()
     {
-        const QPair<const char *, const char *> rows[] = {
-            {"{\"a\":1}", "object"},
-            {"[1]", "array"},
-            {"\"3\"", "string"},
-            {"-3.0", "integer"},
-            {"2147483647", "integer"},
-            {"-2147483648", "integer"},
-            {"2147483648", ""},
-            {"1e300", ""},
-            {"3.5", ""},
-            {"true", ""},
-            {"null", ""},
-            {"", ""},
-        };
-        for (const auto &row : rows) {
-            const QJsonValue value = valueOf(row.first);
+        const QByteArray rows = "{\"a\":1}=object [1]=array \"3\"=string -3.0=integer "
+                                "2147483647=integer -2147483648=integer 2147483648= -2147483649= "
+                                "1e300= 3.5= true= null= =";
+        for (const QByteArray &row : rows.split(' ')) {
+            const QByteArray json = row.left(row.indexOf('='));
+            const QJsonValue value = QJsonDocument::fromJson("[" + json + "]").array().at(0);
             const QByteArray accepted =
                 accepts("object", [&] { Json::requireObject(value, name); }) +
                 accepts("array", [&] { Json::requireArray(value, name); }) +
                 accepts("string", [&] { Json::requireString(value, name); }) +
                 accepts("integer", [&] { Json::requireInteger(value, name); });
-            QVERIFY2(accepted == row.second, row.first);
+            QCOMPARE(json + '=' + accepted, row);
+            const bool isNumber = accepted == "integer", isText = accepted == "string";
+            QCOMPARE(Json::ensureInteger(value, 7, name), isNumber ? value.toInt() : 7);
+            QCOMPARE(Json::ensureString(value, name, name), isText ? value.toString() : name);
         }
     }
 
-    void defaultsAndDocuments()
+    void documents()
     {
-        QCOMPARE(Json::ensureString(valueOf("\"\""), name, name), QString());
-        QCOMPARE(Json::ensureString(valueOf("1"), name, name), name);
-        QCOMPARE(Json::ensureInteger(valueOf("0"), 7, name), 0);
-        QCOMPARE(Json::ensureInteger(valueOf("1.5"), 7, name), 7);
-
         QVERIFY(Json::requireDocument("[]", name).isArray());
         for (const char *broken : {"{\"a\":", "<html>", "", "{} {}"})
             QVERIFY_EXCEPTION_THROWN(Json::requireDocument(broken, name), Exception);

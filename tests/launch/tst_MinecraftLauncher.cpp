@@ -8,61 +8,47 @@
 
 namespace {
 
-class Step : public GameLaunchBase
+struct Step : GameLaunchBase
 {
-public:
     using GameLaunchBase::emitFailed;
     using GameLaunchBase::emitSucceeded;
 
     bool canAbort() const override { return abortable; }
-    bool abort() override
-    {
-        ++aborts;
-        return abortable;
-    }
-    std::function<void(Step &)> work = [](Step &) {};
+    bool abort() override { return ++aborts && abortable; }
+    void onTaskRun() override { work(); }
+
+    std::function<void()> work;
     bool abortable = true;
     int aborts = 0;
-
-protected:
-    void onTaskRun() override { work(*this); }
 };
-
-using StepPointer = std::shared_ptr<Step>;
 
 /// A chain with a journal, and steps that end as told: "n" at once, "l" later, "f" failing, "-"
 /// when the test ends them.
 struct Chain
 {
-    explicit Chain(const QByteArray &ends = {})
+    explicit Chain(const QByteArray &ends, const QVector<int> &weights = {})
     {
-        QObject::connect(&chain, &GameLaunchBase::error, &journal, [this](int number) {
-            journal.lines << QStringLiteral("error %1").arg(number);
-        });
+        QObject::connect(&chain, &GameLaunchBase::error, &journal,
+                         [this](int number) { journal.lines << QString("error %1").arg(number); });
         for (int i = 0; i < ends.size(); ++i) {
-            append(1)->work = [i, end = ends.at(i)](Step &s) {
-                s.setTaskBrief(QString::number(i));
+            steps << std::make_shared<Step>();
+            Step *step = steps.last().get();
+            step->work = [i, step, end = ends.at(i)] {
+                step->setTaskBrief(QString::number(i));
                 if (end == 'n')
-                    s.emitSucceeded();
+                    step->emitSucceeded();
                 if (end == 'l')
-                    QTimer::singleShot(0, &s, [&s] { s.emitSucceeded(); });
-                if (end == 'f') {
-                    s.setError(GameLaunchBase::ErrTampered);
-                    s.emitFailed("why");
-                }
+                    QTimer::singleShot(0, step, [step] { step->emitSucceeded(); });
+                if (end == 'f')
+                    step->setError(GameLaunchBase::ErrTampered), step->emitFailed("why");
             };
+            chain.AppendLanuchTask(steps.last(), quint16(weights.value(i, 1)));
         }
-    }
-    StepPointer append(int weight)
-    {
-        steps << std::make_shared<Step>();
-        chain.AppendLanuchTask(steps.last(), static_cast<quint16>(weight));
-        return steps.last();
     }
 
     MinecraftLauncher chain;
     TaskJournal journal{chain};
-    QVector<StepPointer> steps;
+    QVector<std::shared_ptr<Step>> steps;
 };
 
 } // namespace
@@ -85,57 +71,36 @@ private Q_SLOTS:
             Chain c(row.first);
             c.chain.start();
             QTRY_VERIFY(c.chain.isFinished());
-            QCOMPARE(c.journal.story(), QLatin1String(row.second));
+            QCOMPARE(c.journal.story(), row.second);
         }
-    }
-
-    void aNullTaskIsLoggedAndLeftOut()
-    {
-        const LogCapture log;
-        Chain c;
-        c.chain.AppendLanuchTask(nullptr, 50);
-        QVERIFY(log.has(QtCriticalMsg, "launch task have not been created, null object."));
-        const StepPointer only = c.append(7);
-        c.chain.start();
-        only->setCurProgress(1, 2);
-        QCOMPARE(c.journal.story(), "1/100, 50/100");
     }
 
     void progressIsInSharesOfTheWhole()
     {
         const QPair<QVector<int>, const char *> rows[] = {
-            {{1, 1, 1}, "1/100, 16/100, 33/100, 49/100, 66/100, 82/100, 99/100, finished 1 "},
-            {{10, 70, 20}, "1/100, 5/100, 10/100, 45/100, 80/100, 90/100, 100/100, finished 1 "},
-            {{65535, 65535}, "1/100, 25/100, 50/100, 75/100, 100/100, finished 1 "},
-            {{0, 0}, "1/100, finished 1 "},
+            {{7}, "50/100, 100/100"},
+            {{1, 1, 1}, "16/100, 33/100, 49/100, 66/100, 82/100, 99/100"},
+            {{10, 70, 20}, "5/100, 10/100, 45/100, 80/100, 90/100, 100/100"},
+            {{65535, 65535}, "25/100, 50/100, 75/100, 100/100"},
+            {{0, 0}, ""},
         };
         for (const auto &row : rows) {
-            Chain c;
-            for (const int weight : row.first)
-                c.append(weight);
+            const LogCapture log;
+            Chain c(QByteArray(row.first.size(), '-'), row.first);
+            c.chain.AppendLanuchTask(nullptr, 50);
+            QVERIFY(log.has(QtCriticalMsg, "launch task have not been created, null object."));
             c.steps.first()->setCurProgress(1, 2);
+            QCOMPARE(c.journal.story(), "");
             c.chain.start();
-            for (const StepPointer &running : qAsConst(c.steps)) {
+            for (const auto &running : qAsConst(c.steps)) {
                 running->setCurProgress(7, 0);
                 running->setCurProgress(Q_UINT64_C(1) << 62, Q_UINT64_C(1) << 63);
                 running->setCurProgress(5, 5);
                 running->emitSucceeded();
             }
-            QCOMPARE(c.journal.story(), QLatin1String(row.second));
+            const QStringList bar = c.journal.lines.filter("/100").mid(1);
+            QCOMPARE(bar.join(", "), row.second);
         }
-    }
-
-    void resetRunsTheSameTasksAgain()
-    {
-        Chain c("n-");
-        c.chain.start();
-        c.steps[1]->emitSucceeded();
-        c.chain.Reset();
-        c.journal.story();
-        c.chain.start();
-        c.steps[1]->setCurProgress(1, 1);
-        c.steps[1]->emitSucceeded();
-        QCOMPARE(c.journal.story(), "brief 0, brief 1, 1/100, 100/100, finished 1 ");
     }
 
     void abortGoesToTheRunningTask()
@@ -147,15 +112,19 @@ private Q_SLOTS:
         c.chain.start();
         QVERIFY(!c.chain.canAbort() && !c.chain.abort());
         c.steps[0]->emitSucceeded();
-        QVERIFY(c.chain.canAbort() && c.chain.abort());
         c.steps[1]->emitSucceeded();
         QVERIFY2(c.chain.abort(), "the task that has ended hears it");
-        QVERIFY(c.steps[0]->aborts == 1 && c.steps[1]->aborts == 2);
+        QVERIFY(c.steps[0]->aborts == 1 && c.steps[1]->aborts == 1);
+        c.chain.Reset();
+        QVERIFY(c.chain.abort() && c.steps[1]->aborts == 1);
+        c.journal.story();
+        c.chain.start();
+        QCOMPARE(c.journal.story(), "brief 0, 1/100");
     }
 
     void aTaskReportsOnlyToItsLastChain()
     {
-        Chain older("-"), newer;
+        Chain older("-"), newer("");
         QSignalSpy byName(&newer.chain, SIGNAL(error(GameLaunchBase::Error)));
         newer.chain.AppendLanuchTask(older.steps[0], 1);
         newer.chain.start();
@@ -165,7 +134,7 @@ private Q_SLOTS:
         older.steps[0]->emitFailed("late");
         QCOMPARE(byName.size(), 1);
         QCOMPARE(older.steps[0]->lastError(), GameLaunchBase::ErrGameCrashed);
-        QCOMPARE(older.journal.story(), QString());
+        QCOMPARE(older.journal.story(), "");
         QCOMPARE(newer.journal.story(),
                  "brief 0, 1/100, status here, finished 1 , error 7, failed late");
     }
@@ -175,10 +144,11 @@ private Q_SLOTS:
         for (const bool atTheEnd : {false, true}) {
             auto *c = new Chain("nnn");
             const QPointer<MinecraftLauncher> watch(&c->chain);
+            const auto deleteIt = [c] { delete c; };
             if (atTheEnd)
-                connect(&c->chain, &TaskAbstract::finished, this, [c] { delete c; });
+                connect(&c->chain, &TaskAbstract::finished, this, deleteIt);
             else
-                connect(c->steps[1].get(), &TaskAbstract::taskBrief, this, [c] { delete c; });
+                connect(c->steps[1].get(), &TaskAbstract::taskBrief, this, deleteIt);
             c->chain.start();
             QVERIFY(watch.isNull());
         }

@@ -29,13 +29,10 @@ private Q_SLOTS:
     void onStatus(const QString &text) { lines << "status " + text; }
     void onBrief(const QString &text) { lines << "brief " + text; }
     void onFailed(const QString &reason) { lines << "failed " + reason; }
-    void onProgress(quint64 current, quint64 total)
-    {
-        lines << QStringLiteral("%1/%2").arg(current).arg(total);
-    }
+    void onProgress(quint64 now, quint64 all) { lines << QString("%1/%2").arg(now).arg(all); }
     void onFinished()
     {
-        lines << QStringLiteral("finished %1 %2").arg(m_task.successful()).arg(m_task.failReason());
+        lines << QString("finished %1 %2").arg(m_task.successful()).arg(m_task.failReason());
     }
 
 private:

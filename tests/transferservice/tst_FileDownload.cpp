@@ -130,9 +130,9 @@ const Fault faults[] = {
     {"range ignored", "cut=2000000 then ignoreRange", finished, 2, 1, half + once},
     {"range refused", "cut=2000000 then status=416 then", finished, 3, 1, half + once},
     {"changes half way", "cut=2000000 then serve=other etag=\"2\"", finished, 2, 1, half + once, other},
-    {"another offset", "cut=2000000 then status=206 Content-Range=bytes_0-3999999/4000000 then", finished, 3, 1, half + 2 * once},
-    {"another length", "cut=2000000 then status=206 Content-Range=bytes_2000000-4000000/4000001 then", finished, 3, 1, half + 2 * once},
-    {"another tag", "cut=2000000 then status=206 Content-Range=bytes_2000000-3999999/4000000 ETag=\"2\" then", finished, 3, 1, half + 2 * once},
+    {"another offset", "cut=2000000 then first=2000000 status=206 Content-Range=bytes_0-3999999/4000000 then serve=body", finished, 3, 1, half + half + once},
+    {"another length", "cut=2000000 then first=2000000 status=206 Content-Range=bytes_2000000-4000000/4000001 then serve=body", finished, 3, 1, half + half + once},
+    {"another tag", "cut=2000000 then first=2000000 status=206 Content-Range=bytes_2000000-3999999/4000000 ETag=\"2\" then serve=body", finished, 3, 1, half + half + once},
     {"part without being asked", "status=206 Content-Range=bytes_0-3999999/4000000", failed, 1, 0, once},
     {"weak tag", "etag=W/\"1\" cut=2000000 then", finished, 2, 0, half + once},
     {"date alone", "etag= date=Mon,_01_Jan_2024_00:00:00_GMT cut=2000000 then", finished, 2, 1, once},
@@ -217,11 +217,10 @@ private Q_SLOTS:
         play(server.at(path).serve(body).etag("\"1\""), fault.script);
         Download download(server.url(path), target.file);
         QCOMPARE(download.run(), fault.status);
-        QVERIFY2(fault.requests == anyNumber || (server.requests().size() == fault.requests &&
-                                                 rangeRequests(server) == fault.ranges),
-                 qPrintable(QStringLiteral("%1 requests, %2 ranges")
-                                .arg(server.requests().size())
-                                .arg(rangeRequests(server))));
+        if (fault.requests != anyNumber) {
+            QCOMPARE(server.requests().size(), fault.requests);
+            QCOMPARE(rangeRequests(server), fault.ranges);
+        }
         QVERIFY2(server.bodySentBytes() <= fault.sentBytes,
                  qPrintable(QString::number(server.bodySentBytes())));
         const bool isFinished = fault.status == finished;
@@ -264,7 +263,8 @@ private Q_SLOTS:
         Target target;
         server.at(path).serve(body).etag("\"1\"").trickle(16'384, 1);
         QProcess child;
-        child.start(QCoreApplication::applicationFilePath(), arguments(server, target.file));
+        child.start(QCoreApplication::applicationFilePath(),
+                    {QStringLiteral("fetch"), server.url(path).toString(), target.file});
         QVERIFY(await([&] { return server.bodySentBytes() > half; }));
         child.kill();
         QVERIFY(child.waitForFinished());
@@ -296,6 +296,8 @@ private Q_SLOTS:
         if (child.exitCode() == 77)
             QSKIP("mounting a small file system needs more rights");
         QCOMPARE(child.exitCode(), finished);
+        const QString file = target.folder.filePath(QStringLiteral("f"));
+        QVERIFY(FS::readFile(file).value_or(body) == body); // the small file system is gone
         QCOMPARE(rangeRequests(server), 1);
     }
 
@@ -392,10 +394,6 @@ private:
     static const Row &row(const Row (&table)[count])
     {
         return table[*static_cast<int *>(QTest::qData("index", qMetaTypeId<int>()))];
-    }
-    static QStringList arguments(const TestServer &server, const QString &file)
-    {
-        return {QStringLiteral("fetch"), server.url(path).toString(), file};
     }
 };
 
