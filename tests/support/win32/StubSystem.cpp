@@ -17,6 +17,8 @@ bool openWindow()
 
 QString windowTitle()
 {
+    // A process counts as ready for input once it has waited for some.
+    MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
     MSG message;
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
         DispatchMessageW(&message);
