@@ -286,6 +286,8 @@ private Q_SLOTS:
     {
         World plain(""), secure("", TestServer::Scheme::Https);
         QCOMPARE(Download(secure).run(), failed);
+        if (isWine())
+            QSKIP("the test server's TLS handshake does not come about under Wine");
         connect(secure.manager.get(), &QNetworkAccessManager::sslErrors, this,
                 [](QNetworkReply *reply) { reply->ignoreSslErrors(); });
         QCOMPARE(Download(secure).run(), finished);
