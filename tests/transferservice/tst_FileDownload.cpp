@@ -285,9 +285,9 @@ private Q_SLOTS:
     void keepsToTheSecurityOfTheScheme()
     {
         World plain(""), secure("", TestServer::Scheme::Https);
-        QCOMPARE(Download(secure).run(), failed);
         if (isWine())
             QSKIP("the test server's TLS handshake does not come about under Wine");
+        QCOMPARE(Download(secure).run(), failed);
         connect(secure.manager.get(), &QNetworkAccessManager::sslErrors, this,
                 [](QNetworkReply *reply) { reply->ignoreSslErrors(); });
         QCOMPARE(Download(secure).run(), finished);
