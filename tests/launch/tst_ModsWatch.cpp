@@ -83,13 +83,14 @@ private Q_SLOTS:
         }
     }
 
-    void aFolderThatIsSwappedStaysWatched()
+    void newFoldersAndThoseSwappedInAreWatched()
     {
-        for (const QString folder : {"mods", "mods/sub"}) {
+        for (const QString folder : {"mods", "mods/sub", "mods/new"}) {
             WatchedRun run({"mods/sub/x.txt"});
             QVERIFY(run.isUp());
             QSignalSpy seen(run.watcher(), &QFileSystemWatcher::directoryChanged);
-            run.rename(folder, "aside");
+            if (folder != "mods/new")
+                run.rename(folder, "aside");
             run.touch(folder + "/x.txt");
             QVERIFY(seen.wait());
             QCoreApplication::processEvents();
