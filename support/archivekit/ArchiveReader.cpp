@@ -8,7 +8,9 @@ namespace archivekit {
 
 namespace {
 
-constexpr size_t bufferBytes = 256 * 1024;
+constexpr qint64 mostBytesAtOnce = 256 * 1024;
+// Behind a jump there is often but a header to be read before the next jump.
+constexpr qint64 bytesAfterJump = 8 * 1024;
 
 /// The formats that are read; every other one is refused.
 bool supportFormats(archive *handle, ReaderFormat format)
@@ -42,7 +44,11 @@ EntryType typeOf(archive_entry *entry)
 
 ArchiveReader::ArchiveReader(QString archivePath, ReaderFormat format,
                              const std::atomic<bool> &stop)
-    : m_file(archivePath), m_format(format), m_stop(stop), m_buffer(bufferBytes)
+    : m_file(archivePath),
+      m_format(format),
+      m_stop(stop),
+      m_buffer(mostBytesAtOnce),
+      m_bytesAtOnce(bytesAfterJump)
 {
 }
 
@@ -126,7 +132,8 @@ la_ssize_t ArchiveReader::onRead(archive *handle, void *self, const void **buffe
         return ARCHIVE_FATAL;
     }
     *buffer = reader->m_buffer.data();
-    const qint64 bytes = reader->m_file.read(reader->m_buffer.data(), bufferBytes);
+    const qint64 bytes = reader->m_file.read(reader->m_buffer.data(), reader->m_bytesAtOnce);
+    reader->m_bytesAtOnce = std::min(2 * reader->m_bytesAtOnce, mostBytesAtOnce);
     if (bytes < 0)
         archive_set_error(handle, EIO, "the file can not be read");
     return static_cast<la_ssize_t>(bytes < 0 ? ARCHIVE_FATAL : bytes);
@@ -134,6 +141,7 @@ la_ssize_t ArchiveReader::onRead(archive *handle, void *self, const void **buffe
 
 la_int64_t ArchiveReader::onSeek(archive *, void *self, la_int64_t offset, int whence)
 {
+    static_cast<ArchiveReader *>(self)->m_bytesAtOnce = bytesAfterJump;
     QFile &file = static_cast<ArchiveReader *>(self)->m_file;
     const qint64 base = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? file.pos() : file.size();
     return base + offset >= 0 && file.seek(base + offset) ? file.pos() : ARCHIVE_FATAL;
@@ -142,6 +150,7 @@ la_int64_t ArchiveReader::onSeek(archive *, void *self, la_int64_t offset, int w
 /// Never skips to behind the end, where a cut file would go unseen.
 la_int64_t ArchiveReader::onSkip(archive *, void *self, la_int64_t bytes)
 {
+    static_cast<ArchiveReader *>(self)->m_bytesAtOnce = bytesAfterJump;
     QFile &file = static_cast<ArchiveReader *>(self)->m_file;
     const qint64 here = file.pos();
     const qint64 there = here + std::min<qint64>(bytes, file.size() - here);

@@ -70,6 +70,7 @@ private:
     ReaderFormat m_format;
     const std::atomic<bool> &m_stop;
     std::vector<char> m_buffer;
+    qint64 m_bytesAtOnce; ///< grows while the file is read in a row
     archive_entry *m_entry = nullptr;
     QString m_failure;
     std::unique_ptr<archive, Closer> m_archive; ///< calls back until its end: goes first

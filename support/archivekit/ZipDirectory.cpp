@@ -55,7 +55,8 @@ bool ZipDirectory::isZip(const QString &path)
 bool ZipDirectory::read(const QString &path)
 {
     m_file.setFileName(path);
-    if (!m_file.open(QIODevice::ReadOnly))
+    // Each header is one short read; a buffer would fetch what lies behind it as well.
+    if (!m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         return fail("the file can not be opened");
     const auto place = findDirectory(m_file);
     if (!place)

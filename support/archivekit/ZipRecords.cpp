@@ -66,7 +66,7 @@ bool widen(CentralRecord &record, const QByteArray &extra)
 
 std::optional<QByteArray> readRange(QFile &file, qint64 offset, qint64 bytes)
 {
-    if (offset < 0 || bytes < 0 || bytes > file.size() - offset || !file.seek(offset))
+    if (offset < 0 || bytes < 0 || !file.seek(offset))
         return std::nullopt;
     QByteArray data = file.read(bytes);
     return data.size() == bytes ? std::optional<QByteArray>(std::move(data)) : std::nullopt;

@@ -153,10 +153,9 @@ private Q_SLOTS:
 
     void unpacksGoodArchives_data()
     {
-        const QByteArray name = "\u4e2d\u6587/caf\u00e9.txt";
         const Items items{
             {"./", {}, 040755}, {"empty/", {}, 040755},          {"./a/run.exe", "run", 0100755},
-            {"a/none", ""},     {"a/b/big.bin", noise(1500000)}, {name, "text"}};
+            {"a/none", ""},     {"a/b/big.bin", noise(1500000)}, {m_foreign + "/x.txt", "text"}};
         QTest::addColumn<QByteArray>("archive");
         const auto row = [&items](const char *rowName, Setting format, Setting filter) {
             QTest::newRow(rowName) << archiveOf(format, filter, items);
@@ -188,8 +187,8 @@ private Q_SLOTS:
         }
         const auto content = contentOf(m_target);
         QCOMPARE(content.keys().join(' '),
-                 QString("a a/b a/b/big.bin a/none a/run.exe empty kept \u4e2d\u6587 "
-                         "\u4e2d\u6587/caf\u00e9.txt"));
+                 QString("a a/b a/b/big.bin a/none a/run.exe empty kept %1 %1/x.txt")
+                     .arg(QString(m_foreign)));
         QVERIFY(content["a/b/big.bin"] == noise(1500000));
         QCOMPARE(content["a/run.exe"], QByteArray("run"));
         QCOMPARE(content["kept"], QByteArray("kept"));
@@ -202,11 +201,11 @@ private Q_SLOTS:
         QVERIFY(unpack(zipOf({{"\xe2\x82\xac", "data", 0100644, 1 << 11},
                               {"\xc3\xa4"},
                               {"\xd6\xd0\xce\xc4"},
-                              {"\xd5\x5c"},
+                              {"\xd5\x5c.txt"},
                               {"caf\x82.txt"},
                               {"\x80"}})));
         QCOMPARE(contentOf(m_target).keys().join(' '),
-                 QString("caf\u00e9.txt \u00c7 \u00e4 \u20ac \u4e2d\u6587 \u8aa0"));
+                 QString("caf\u00e9.txt \u00c7 \u00e4 \u20ac \u4e2d\u6587 \u8aa0.txt"));
     }
 
     void refusesHostileArchives_data()
@@ -343,6 +342,8 @@ private Q_SLOTS:
     }
 
 private:
+    // libarchive writes no other names on Windows, though it reads them.
+    const QByteArray m_foreign = QSysInfo::productType() == "windows" ? "z" : "\u4e2d\u6587";
     using Progress = QVector<QPair<quint64, quint64>>;
 
     /// Waits in a loop on the only thread of the pool, as the deployment does.

@@ -12,70 +12,38 @@
 #include "support/jsonfskit/FS.h"
 #include "tests/support/TestServer.h"
 
-namespace {
-
-constexpr int mebibyte = 1024 * 1024, size = 64 * mebibyte;
-const QString path = QStringLiteral("/file");
-
-struct Run
+static bool run(const char *name, const QString &program, const QByteArray &script, int kills)
 {
-    QByteArray body = QByteArray(size, 'b');
+    constexpr int size = 64 * 1024 * 1024;
+    QByteArray body(size, 'b');
+    QRandomGenerator(1).fillRange(reinterpret_cast<quint32 *>(body.data()), size / 4);
     TestServer server;
+    server.play("/file", body, "ETag=\"1\" " + script);
     QTemporaryDir folder;
-
-    Run() { QRandomGenerator(1).fillRange(reinterpret_cast<quint32 *>(body.data()), size / 4); }
-
-    /// Runs the program until it ends, or kills it when @p isOver says so.
-    template <typename Condition>
-    int fetch(const QString &program, const Condition &isOver)
-    {
-        QProcess child;
-        child.setProcessChannelMode(QProcess::ForwardedChannels);
-        child.start(program, {folder.path(), server.url(path).toString()});
-        while (child.state() != QProcess::NotRunning && !isOver())
+    QProcess child;
+    child.setProcessChannelMode(QProcess::ForwardedChannels);
+    for (int i = 1; i <= kills + 1; ++i) {
+        const qint64 enough = i <= kills ? qint64(size) * i / (kills + 1) : 2 * qint64(size);
+        child.start(program, {folder.path(), server.url("/file").toString()});
+        while (child.state() != QProcess::NotRunning && server.bodySentBytes() <= enough)
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         child.kill();
         child.waitForFinished();
-        return child.exitCode();
     }
-
-    bool report(const char *name, int exitCode)
-    {
-        const double ratio = double(server.bodySentBytes()) / size;
-        const QString file = folder.filePath(QStringLiteral("0"));
-        const bool isRight = exitCode == 0 && FS::readFile(file).value_or("") == body;
-        std::printf("%-28s %s, %.4f times the bytes, %d requests\n", name,
-                    isRight ? "whole" : "NOT WHOLE", ratio, int(server.requests().size()));
-        return isRight && ratio <= 1.02;
-    }
-};
-
-bool closesAndStalls(const QString &program)
-{
-    Run run;
-    TestServer::Script &script = run.server.at(path);
-    script.serve(run.body).etag("\"1\"").cutAfter(mebibyte).times(30);
-    script.then().stallAfter(mebibyte).then().cutAfter(mebibyte);
-    return run.report("closes after every MiB", run.fetch(program, [] { return false; }));
+    const double ratio = double(server.bodySentBytes()) / size;
+    const bool isWhole =
+        child.exitCode() == 0 && FS::readFile(folder.filePath("0")).value_or("") == body;
+    std::printf("%-28s %s, %.4f times the bytes, %d requests\n", name,
+                isWhole ? "whole" : "NOT WHOLE", ratio, int(server.requests().size()));
+    return isWhole && ratio <= 1.02;
 }
-
-bool killed(const QString &program, int kills)
-{
-    Run run;
-    run.server.at(path).serve(run.body).etag("\"1\"").trickle(64 * 1024, 1);
-    for (int i = 1; i <= kills; ++i)
-        run.fetch(program,
-                  [&] { return run.server.bodySentBytes() > qint64(size) * i / (kills + 1); });
-    return run.report("killed again and again", run.fetch(program, [] { return false; }));
-}
-
-} // namespace
 
 int main(int argc, char *argv[])
 {
     QCoreApplication app(argc, argv);
     const QString program = app.arguments().value(1);
-    const int kills = qMax(1, app.arguments().value(2, QStringLiteral("3")).toInt());
-    const bool first = killed(program, kills);
-    return closesAndStalls(program) && first ? 0 : 1;
+    const int kills = qMax(1, app.arguments().value(2, "3").toInt());
+    const bool isRight = run("killed again and again", program, "trickle=65536", kills);
+    const char *faults = "cut=1048576 x=30 then stall=1048576 then cut=1048576";
+    return run("closes after every MiB", program, faults, 0) && isRight ? 0 : 1;
 }

@@ -2,22 +2,21 @@
 
 #include <QCoreApplication>
 #include <QDateTime>
-#include <QFile>
-#include <QRegularExpression>
 #include <QSslCertificate>
 #include <QSslKey>
 #include <QSslSocket>
 #include <QTimer>
+
+#include "support/jsonfskit/FS.h"
 
 namespace {
 
 /// Never more than this waits unsent, so that what counts as sent is on its way.
 constexpr qint64 sendWindow = 64 * 1024;
 
-QByteArray testCertificateFile()
+QByteArray headerLine(const QByteArray &name, const QByteArray &value)
 {
-    QFile file(QCoreApplication::applicationDirPath() + QStringLiteral("/selfsigned.pem"));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return name + ": " + value + "\r\n";
 }
 
 } // namespace
@@ -32,104 +31,94 @@ public:
         connect(&socket, &QIODevice::readyRead, this, [this] { read(); });
         connect(&socket, &QIODevice::bytesWritten, this, [this] { send(); });
         connect(&socket, &QSslSocket::encryptedBytesWritten, this, [this] { send(); });
-        connect(&m_pause, &QTimer::timeout, this, [this] { sendPiece(m_answer.bytesPerPause); });
+        connect(&m_pause, &QTimer::timeout, this, [this] { sendPiece(number("trickle", 0)); });
     }
 
 private:
+    bool has(const char *word) const { return m_answer.words.contains(word); }
+    QByteArray text(const char *word) const { return m_answer.words.value(word); }
+    qint64 number(const char *word, qint64 otherwise) const
+    {
+        return has(word) ? text(word).toLongLong() : otherwise;
+    }
+
     void read()
     {
         m_input += m_socket.readAll();
         const int end = m_input.indexOf("\r\n\r\n");
-        if (m_isAnswering || end < 0 || m_answer.cutAfter >= 0)
+        if (m_isAnswering || end < 0)
             return;
         const QList<QByteArray> lines = m_input.left(end).replace('\r', "").split('\n');
         m_input.remove(0, end + 4);
         TestServer::Request request;
-        request.method = lines.first().split(' ').value(0);
-        request.path = QString::fromUtf8(lines.first().split(' ').value(1));
+        request.path = lines.first().split(' ').value(1);
         for (const QByteArray &line : lines.mid(1)) {
             const int colon = line.indexOf(':');
             request.headers.insert(line.left(colon).toLower(), line.mid(colon + 1).trimmed());
         }
-        m_answer = m_server.nextAnswer(request.path);
         m_isAnswering = true;
-        QTimer::singleShot(m_answer.latencyMs, Qt::PreciseTimer, this,
-                           [this, request]() mutable { begin(request); });
-    }
-
-    void begin(TestServer::Request &request)
-    {
-        m_next = 0;
-        m_end = m_answer.body.size();
-        QByteArray head;
-        if (m_answer.status == 0)
-            m_answer.status = deserved(request, head);
-        if (m_answer.status / 100 != 2)
-            m_end = m_next;
-        request.status = m_answer.status;
+        m_answer = m_server.nextAnswer(request.path);
         m_index = m_server.m_requests.size();
         m_server.m_requests << request;
-        if (m_answer.stallAfter == 0)
+        later([this] { begin(); });
+    }
+
+    template <typename Step>
+    void later(const Step &step)
+    {
+        QTimer::singleShot(has("atOnce") ? 0 : 5, Qt::PreciseTimer, this, step);
+    }
+
+    void begin()
+    {
+        if (has("mute"))
             return;
-        m_toSend = m_end - m_next;
-        const qint64 length = m_answer.lengthClaim < 0 ? m_toSend : m_answer.lengthClaim;
-        if (m_answer.tellsLength)
-            head += "Content-Length: " + QByteArray::number(length) + "\r\n";
-        else
-            m_answer.cutAfter = m_toSend;
-        if (m_answer.cutAfter >= 0)
-            m_toSend = qMin(m_toSend, m_answer.cutAfter);
-        if (m_answer.stallAfter > 0)
-            m_toSend = qMin(m_toSend, m_answer.stallAfter - 1);
-        if (request.method == "HEAD")
-            m_toSend = 0;
-        for (const auto &header : qAsConst(m_answer.headers))
-            head += header.first + ": " + header.second + "\r\n";
-        m_socket.write("HTTP/1.1 " + QByteArray::number(m_answer.status) + " Scripted\r\n" + head +
-                       "\r\n");
-        if (m_answer.bytesPerPause > 0)
-            m_pause.start(m_answer.pauseMs);
+        m_next = 0;
+        m_left = number("first", m_answer.body.size());
+        QByteArray head;
+        const int status = has("status") ? text("status").toInt() : deservedStatus(head);
+        if (status / 100 != 2)
+            m_left = 0;
+        if (!has("noLength"))
+            head += headerLine("Content-Length", QByteArray::number(number("claim", m_left)));
+        m_left = qMin(m_left, qMin(number("cut", m_left), number("stall", m_left)));
+        for (auto word = m_answer.words.cbegin(); word != m_answer.words.cend(); ++word) {
+            if (isupper(word.key().at(0)) && !word.value().isEmpty())
+                head += headerLine(word.key(), word.value());
+        }
+        m_socket.write("HTTP/1.1 " + QByteArray::number(status) + " Scripted\r\n" + head + "\r\n");
+        if (has("trickle"))
+            m_pause.start(int(number("pause", 1)));
         send();
     }
 
-    int deserved(const TestServer::Request &request, QByteArray &head)
+    int deservedStatus(QByteArray &head)
     {
-        const auto given = [&request](const char *name) { return request.headers.value(name); };
-        head += "Date: " +
-                QLocale::c()
-                    .toString(QDateTime::currentDateTimeUtc(),
-                              QStringLiteral("ddd, dd MMM yyyy HH:mm:ss 'GMT'"))
-                    .toLatin1() +
-                "\r\n";
-        if (!m_answer.etag.isEmpty())
-            head += "ETag: " + m_answer.etag + "\r\n";
-        if (!m_answer.lastModified.isEmpty())
-            head += "Last-Modified: " + m_answer.lastModified + "\r\n";
-        const auto isCurrent = [](const QByteArray &theirs, const QByteArray &ours) {
-            return !ours.isEmpty() && theirs == ours;
+        const auto asked = m_server.m_requests.at(m_index).headers;
+        const auto isCurrent = [&](const char *condition) {
+            const QByteArray tag = asked.value(condition);
+            return !tag.isEmpty() && (tag == text("ETag") || tag == text("Last-Modified"));
         };
-        if (isCurrent(given("if-none-match"), m_answer.etag) ||
-            isCurrent(given("if-modified-since"), m_answer.lastModified))
+        if (isCurrent("if-none-match") || isCurrent("if-modified-since"))
             return 304;
-        static const QRegularExpression form(QStringLiteral("^bytes=(\\d+)-$"));
-        const auto range = form.match(QString::fromLatin1(given("range")));
-        const QByteArray condition = given("if-range");
-        if (!m_answer.knowsRanges || !range.hasMatch() ||
-            (!condition.isEmpty() && !isCurrent(condition, m_answer.etag) &&
-             !isCurrent(condition, m_answer.lastModified)))
+        const QByteArray range = asked.value("range"); // "bytes=N-"
+        if (range.isEmpty() || has("ignoreRange") ||
+            (asked.contains("if-range") && !isCurrent("if-range")))
             return 200;
-        m_next = range.captured(1).toLongLong();
-        const QByteArray size = QByteArray::number(m_answer.body.size());
-        if (m_next >= m_answer.body.size())
+        m_next = range.mid(6, range.size() - 7).toLongLong();
+        m_left -= m_next;
+        if (m_left <= 0)
             return 416;
-        head += "Content-Range: bytes " + QByteArray::number(m_next) + '-' +
-                QByteArray::number(m_answer.body.size() - 1) + '/' + size + "\r\n";
+        const QByteArray size = QByteArray::number(m_next + m_left);
+        const QByteArray last = QByteArray::number(m_next + m_left - 1);
+        head = headerLine("Content-Range",
+                          "bytes " + QByteArray::number(m_next) + '-' + last + '/' + size);
         return 206;
     }
 
     void send()
     {
-        if (!m_isAnswering || m_answer.stallAfter == 0 || m_pause.isActive())
+        if (m_left < 0 || m_pause.isActive())
             return;
         if (m_socket.bytesToWrite() + m_socket.encryptedBytesToWrite() < sendWindow)
             sendPiece(sendWindow);
@@ -137,25 +126,21 @@ private:
 
     void sendPiece(qint64 most)
     {
-        const qint64 bytes = qMin(most, m_toSend);
-        m_toSend -= bytes;
+        const qint64 bytes = qMin(most, m_left);
         m_server.m_requests[m_index].bodySentBytes += bytes;
         m_socket.write(m_answer.body.constData() + m_next, bytes);
         m_next += bytes;
-        if (m_toSend > 0)
+        m_left -= bytes;
+        if (m_left > 0)
             return;
+        m_left = -1;
         m_pause.stop();
-        if (m_answer.cutAfter >= 0) {
+        if (has("cut") || has("noLength")) {
+            later([this] { m_socket.disconnectFromHost(); });
+        } else if (!has("stall")) {
             m_isAnswering = false;
-            QTimer::singleShot(m_answer.latencyMs, Qt::PreciseTimer, &m_socket,
-                               [this] { m_socket.disconnectFromHost(); });
-            return;
-        }
-        m_isAnswering = m_answer.stallAfter > 0;
-        if (m_isAnswering)
-            m_answer.stallAfter = 0;
-        else
             read();
+        }
     }
 
     TestServer &m_server;
@@ -163,34 +148,11 @@ private:
     QTimer m_pause;
     QByteArray m_input;
     TestServer::Answer m_answer;
-    bool m_isAnswering = false;
-    int m_index = 0; ///< of the answered request
-    qint64 m_next = 0, m_end = 0, m_toSend = 0;
+    bool m_isAnswering = false; ///< or has nothing more to say
+    int m_index = 0;            ///< of the answered request
+    qint64 m_next = 0;
+    qint64 m_left = -1; ///< of the body, still to be sent; -1: nothing is being sent
 };
-
-TestServer::Script &TestServer::Script::header(const QByteArray &name, const QByteArray &value)
-{
-    answers.last().headers << qMakePair(name, value);
-    return *this;
-}
-
-TestServer::Script &TestServer::Script::then()
-{
-    Answer next;
-    next.body = answers.last().body;
-    next.etag = answers.last().etag;
-    next.lastModified = answers.last().lastModified;
-    answers << next;
-    return *this;
-}
-
-TestServer::Script &TestServer::Script::times(int count)
-{
-    const Answer newest = answers.last();
-    for (int i = 1; i < count; ++i)
-        answers << newest;
-    return *this;
-}
 
 TestServer::TestServer(Scheme scheme) : m_scheme(scheme)
 {
@@ -201,40 +163,53 @@ TestServer::TestServer(Scheme scheme) : m_scheme(scheme)
 
 QUrl TestServer::url(const QString &path) const
 {
-    const QString scheme =
-        m_scheme == Scheme::Http ? QStringLiteral("http") : QStringLiteral("https");
-    return QUrl(QStringLiteral("%1://127.0.0.1:%2%3").arg(scheme).arg(m_port).arg(path));
+    const QString scheme = m_scheme == Scheme::Http ? "http" : "https";
+    return QUrl(QString("%1://127.0.0.1:%2%3").arg(scheme).arg(m_port).arg(path));
 }
 
-TestServer::Script &TestServer::at(const QString &path)
+void TestServer::play(const QString &path, const QByteArray &body, const QByteArray &script)
 {
-    return m_scripts[path] = Script();
-}
-
-QList<TestServer::Request> TestServer::requests(const QString &path) const
-{
-    QList<Request> found;
-    for (const Request &request : m_requests) {
-        if (path.isEmpty() || request.path == path ||
-            request.path.startsWith(path + QLatin1Char('?')))
-            found << request;
+    static const QList<QByteArray> known = QByteArray("status first cut stall mute claim noLength "
+                                                      "ignoreRange trickle pause atOnce gone")
+                                               .split(' ');
+    const QString date =
+        QLocale::c().toString(QDateTime::currentDateTimeUtc(), "ddd, dd MMM yyyy HH:mm:ss 'GMT'");
+    QList<Answer> answers{{body, {{"Date", date.toLatin1()}}}};
+    for (const QByteArray &word : script.simplified().split(' ')) {
+        const QByteArray key = word.split('=').first();
+        const QByteArray value = word.mid(key.size() + 1).replace('_', ' ');
+        Answer newest = answers.takeLast();
+        int count = 1;
+        if (key == "then") {
+            answers << newest;
+            newest = {body, {}};
+            for (const char *kept : {"Date", "ETag", "Last-Modified"})
+                newest.words[kept] = answers.last().words[kept];
+        } else if (key == "x") {
+            count = value.toInt();
+        } else if (key == "other") {
+            newest.body = otherBody;
+        } else if (!key.isEmpty()) {
+            Q_ASSERT_X(isupper(key[0]) || known.contains(key), "an unknown word", key);
+            newest.words[key] = value;
+        }
+        for (int i = 0; i < count; ++i)
+            answers << newest;
     }
-    return found;
-}
-
-qint64 TestServer::bodySentBytes(const QString &path) const
-{
-    qint64 sum = 0;
-    for (const Request &request : requests(path))
-        sum += request.bodySentBytes;
-    return sum;
-}
-
-void TestServer::goAway()
-{
+    m_scripts[path] = answers;
+    if (script != "gone")
+        return;
     close();
     for (QSslSocket *socket : findChildren<QSslSocket *>())
         socket->abort();
+}
+
+qint64 TestServer::bodySentBytes() const
+{
+    qint64 sum = 0;
+    for (const Request &request : m_requests)
+        sum += request.bodySentBytes;
+    return sum;
 }
 
 void TestServer::incomingConnection(qintptr descriptor)
@@ -245,7 +220,8 @@ void TestServer::incomingConnection(qintptr descriptor)
     new TestConnection(*this, *socket);
     if (m_scheme == Scheme::Http)
         return;
-    static const QByteArray pem = testCertificateFile();
+    const QByteArray pem =
+        FS::readFile(QCoreApplication::applicationDirPath() + "/selfsigned.pem").value_or("");
     socket->setLocalCertificate(QSslCertificate(pem));
     socket->setPrivateKey(QSslKey(pem, QSsl::Rsa));
     socket->startServerEncryption();
@@ -253,13 +229,8 @@ void TestServer::incomingConnection(qintptr descriptor)
 
 TestServer::Answer TestServer::nextAnswer(const QString &path)
 {
-    auto script = m_scripts.find(path);
-    if (script == m_scripts.end())
-        script = m_scripts.find(path.section(QLatin1Char('?'), 0, 0));
-    if (script == m_scripts.end()) {
-        Answer missing;
-        missing.status = 404;
-        return missing;
-    }
-    return script->answers.size() > 1 ? script->answers.takeFirst() : script->answers.first();
+    QList<Answer> &answers = m_scripts[path];
+    if (answers.isEmpty())
+        return {{}, {{"status", "404"}}};
+    return answers.size() > 1 ? answers.takeFirst() : answers.first();
 }
