@@ -82,7 +82,7 @@ private Q_SLOTS:
             run.game->start();
             QTRY_COMPARE_WITH_TIMEOUT(run.story(), row.story, 10000);
             QVERIFY(!run.game->abort());
-            run.touch("later");
+            run.give("later");
         }
         const LogCapture log;
         GameRun<> run;
@@ -97,7 +97,7 @@ private Q_SLOTS:
         GameRun<> run("until %dir/go|flood 4|print end|crash");
         for (int i = 0; i < 3; ++i) {
             run.states.clear();
-            QFile::remove(run.file("go"));
+            QFile::remove(run.dir.filePath("go"));
             run.game->start();
             STORY(run, "Preparing Initializing Running Crashed Exited");
         }
@@ -185,7 +185,7 @@ private Q_SLOTS:
         run.game->setMCWindowTitle(title);
         run.game->start();
         STORY(run, "Preparing Initializing");
-        run.touch("show");
+        run.give("show");
         STORY(run, "Preparing Initializing Running Exited");
         QCOMPARE(run.output(), "opened\n" + title.toUtf8() + '\n');
     }

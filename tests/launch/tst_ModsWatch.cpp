@@ -6,7 +6,7 @@
 
 namespace {
 
-/// A game that runs until the file "end" lies in its directory.
+/// A game that runs until the file "end" lies in its game base.
 struct WatchedRun : GameRun<LaunchMcProcessFSW>
 {
     explicit WatchedRun(const QStringList &mods) : GameRun("until %dir/end")
@@ -14,7 +14,7 @@ struct WatchedRun : GameRun<LaunchMcProcessFSW>
         for (const QString &name : mods)
             touch(name, "old");
     }
-    ~WatchedRun() { touch("end"); }
+    ~WatchedRun() { give("end"); }
 
     bool isUp()
     {
@@ -83,13 +83,14 @@ private Q_SLOTS:
         }
     }
 
-    void aFolderThatIsSwappedStaysWatched()
+    void newFoldersAndThoseSwappedInAreWatched()
     {
-        for (const QString folder : {"mods", "mods/sub"}) {
+        for (const QString folder : {"mods", "mods/sub", "mods/new"}) {
             WatchedRun run({"mods/sub/x.txt"});
             QVERIFY(run.isUp());
             QSignalSpy seen(run.watcher(), &QFileSystemWatcher::directoryChanged);
-            run.rename(folder, "aside");
+            if (folder != "mods/new")
+                run.rename(folder, "aside");
             run.touch(folder + "/x.txt");
             QVERIFY(seen.wait());
             QCoreApplication::processEvents();
@@ -110,7 +111,7 @@ private Q_SLOTS:
             if (i % 100 == 0)
                 QCoreApplication::processEvents();
         }
-        run.touch("end");
+        run.give("end");
         QTRY_COMPARE(run.story(), "Preparing Initializing Running Exited");
         QVERIFY2(!run.watcher(), "still watched");
     }

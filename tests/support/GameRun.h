@@ -38,8 +38,8 @@ private:
 };
 
 /// One game in a temporary game base: the stub Java (tests/support/StubJava.cpp), steered by
-/// `steps`, in which "%dir" stands for the instance directory. Once the game counts as up, the file
-/// "go" lies in that directory.
+/// `steps`, in which "%dir" stands for the game base. Once the game counts as up, the file "go"
+/// lies there, outside of the instance directory.
 template <typename Game = LaunchMcProcess>
 struct GameRun
 {
@@ -49,34 +49,32 @@ struct GameRun
                      const QString &name = "Instance")
         : instance(dir.filePath(name))
     {
-        if (!FS::writeFile(dir.filePath(".minecraft/versions/oriel7/7.bat"), argumentTemplate))
-            qFatal("no template");
+        write(dir.filePath(".minecraft/versions/oriel7/7.bat"), argumentTemplate);
         game->setArgs(Game::ArgJavaPath, QCoreApplication::applicationDirPath() + "/stub-java");
         game->setArgs(Game::ArgGameBase, dir.path());
         game->setArgs(Game::ArgInstanceDir, instance);
         game->setArgs(Game::ArgUserName, "Steve");
         auto environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("STUB_STEPS", steps.replace("%dir", instance));
+        environment.insert("STUB_STEPS", steps.replace("%dir", dir.path()));
         game->setProcessEnv(environment);
         QObject::connect(game.get(), &Game::processStateChange, game.get(), [this](State state) {
             const char *const key = QMetaEnum::fromType<State>().valueToKey(state);
             states << QString::fromLatin1(key).mid(5);
             if (state == Game::StateRunning)
-                touch("go");
+                give("go");
             if (onState)
                 onState(state);
         });
     }
     /// Ends a game that is still waiting.
-    ~GameRun()
-    {
-        if (QFileInfo(instance).isDir())
-            touch("go");
-    }
+    ~GameRun() { give("go"); }
 
-    void touch(const QString &name, const QByteArray &data = {}) const
+    /// Makes the file that a step of the stub waits for.
+    void give(const QString &name) const { write(dir.filePath(name), {}); }
+    void touch(const QString &name, const QByteArray &data = {}) const { write(file(name), data); }
+    static void write(const QString &path, const QByteArray &data)
     {
-        if (!FS::writeFile(file(name), data))
+        if (!FS::writeFile(path, data))
             qFatal("no file");
     }
     QString file(const QString &name) const { return instance + '/' + name; }
