@@ -17,7 +17,9 @@ set(RIVET_GENERATED_DIR "${CMAKE_BINARY_DIR}/generated")
 
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM)
-    set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
+    # Relative paths, so that a fresh clone in another folder finds what an older one compiled.
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env "CCACHE_NOHASHDIR=1"
+        "CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}" "${CCACHE_PROGRAM}")
 endif()
 
 if(RIVET_SANITIZERS)
