@@ -63,10 +63,9 @@ private Q_SLOTS:
     void theFirstPackCounts()
     {
         const QTemporaryDir dir;
-        QCOMPARE(GameOptions::firstPack(dir.filePath("none")), QString());
-        QVERIFY(QDir(dir.path()).mkdir("folder.zip"));
-        QVERIFY(FS::writeFile(dir.filePath("a.rar"), ""));
-        QCOMPARE(GameOptions::firstPack(dir.path()), QString());
+        QVERIFY(QDir(dir.path()).mkdir("folder.zip") && FS::writeFile(dir.filePath("a.rar"), ""));
+        for (const QString folder : {"none", "."})
+            QCOMPARE(GameOptions::firstPack(dir.filePath(folder)), QString());
         QVERIFY(FS::writeFile(dir.filePath("z.7z"), ""));
         QCOMPARE(GameOptions::firstPack(dir.path()), "z.7z");
     }

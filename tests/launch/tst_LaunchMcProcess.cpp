@@ -1,5 +1,3 @@
-#include <QtTest>
-
 #include "core/launch/LaunchMcProcess.h"
 #include "tests/support/GameRun.h"
 #include "tests/support/LogCapture.h"

@@ -1,5 +1,3 @@
-#include <QtTest>
-
 #include "core/launch/LaunchMcProcessFSW.h"
 #include "tests/support/GameRun.h"
 
@@ -25,8 +23,10 @@ struct WatchedRun : GameRun<LaunchMcProcessFSW>
         QFile mod(file(name));
         QVERIFY(mod.open(QIODevice::Append) && mod.write("x") == 1);
     }
-    void change(const QString &how, const QString &name, const QString &newName) const
+    void change(const QString &what) const
     {
+        const QStringList words = what.split(' ');
+        const QString how = words.at(0), name = words.at(1);
         if (how == "append")
             append(name);
         else if (how == "touch")
@@ -34,7 +34,7 @@ struct WatchedRun : GameRun<LaunchMcProcessFSW>
         else if (how == "remove") // Windows keeps a watched folder until its watch has gone.
             Q_UNUSED(FS::removeTree(file(name)))
         else
-            QVERIFY(how == "rename" && QFile::rename(file(name), file(newName)));
+            QVERIFY(QFile::rename(file(name), file(words.at(2))));
     }
 };
 
@@ -47,11 +47,7 @@ private Q_SLOTS:
     void changesEndTheGame()
     {
         const QStringList mods{"mods/a.jar", "mods/sub/b.zip", "mods/x.txt"};
-        const struct
-        {
-            QStringList mods;
-            const char *changes;
-        } rows[] = {
+        const QPair<QStringList, const char *> rows[] = {
             {mods, "append mods/a.jar"},
             {mods, "touch mods/a.jar"}, // written beside it and renamed
             {mods, "remove mods/a.jar"},
@@ -63,13 +59,12 @@ private Q_SLOTS:
             {mods, "remove mods"},
             {{}, "touch mods/a.jar"}, // the launch has made the folder
         };
-        for (const auto &row : rows) {
-            const WatchedRun run(row.mods);
-            for (const QString &change : QString(row.changes).split('|'))
-                run.change(change.section(' ', 0, 0), change.section(' ', 1, 1),
-                           change.section(' ', 2));
+        for (const auto &[before, changes] : rows) {
+            const WatchedRun run(before);
+            for (const QString &change : QString(changes).split('|'))
+                run.change(change);
             const auto isOver = [&] { return run.states.contains("Exited"); };
-            QVERIFY2(QTest::qWaitFor(isOver, 2000), row.changes);
+            QVERIFY2(QTest::qWaitFor(isOver, 2000), changes);
             QCoreApplication::processEvents();
             QCOMPARE(run.story(), "Preparing Initializing Running Tampered Exited");
         }
@@ -81,7 +76,7 @@ private Q_SLOTS:
             WatchedRun run({"mods/sub/x.txt"});
             QSignalSpy seen(run.watcher(), &QFileSystemWatcher::directoryChanged);
             if (folder != "mods/new")
-                run.change("rename", folder, "aside");
+                run.change("rename " + folder + " aside");
             run.touch(folder + "/x.txt");
             QVERIFY(seen.wait());
             QCoreApplication::processEvents();

@@ -2,13 +2,8 @@
 
 #include <atomic>
 #include <functional>
-#include <memory>
 
-#include <QCoreApplication>
-#include <QDir>
-#include <QMetaEnum>
-#include <QTemporaryDir>
-#include <QThread>
+#include <QtTest>
 
 #include "core/launch/LaunchMcProcess.h"
 #include "platform/OtherProcesses.h"
