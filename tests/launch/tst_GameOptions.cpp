@@ -1,4 +1,3 @@
-#include <QTemporaryDir>
 #include <QtTest>
 
 #include "core/launch/GameOptions.h"
@@ -12,10 +11,10 @@ private Q_SLOTS:
     void editsTheFiles()
     {
         const QString none, pack = "包 1.zip";
-        const QByteArray name = pack.toUtf8(), many = QByteArray("key:value\r\n").repeated(400000);
+        const QByteArray name = pack.toUtf8(), fresh = "gamma:1.0\r\nlang:zh_CN\r\n",
+                         added = "resourcePacks:[\"\"]\r\nlang:zh_CN\r\n";
         const auto options = GameOptions::updateOptions;
         const auto shaders = GameOptions::updateShaderOptions;
-        const char *const missing = nullptr;
         const struct
         {
             const char *name;
@@ -23,24 +22,20 @@ private Q_SLOTS:
             QString pack;
             QByteArray before, after;
         } rows[] = {
-            {"new", options, pack, missing,
-             "gamma:1.0\r\nlang:zh_CN\r\nresourcePacks:[\"" + name + "\"]\r\n"},
-            {"new without pack", options, none, missing, "gamma:1.0\r\nlang:zh_CN\r\n"},
-            {"empty", options, none, "", "resourcePacks:[\"\"]\r\nlang:zh_CN\r\n"},
-            {"no final line end", options, none, "fov:0.5",
-             "fov:0.5\r\nresourcePacks:[\"\"]\r\nlang:zh_CN\r\n"},
+            {"new", options, pack, {}, fresh + "resourcePacks:[\"" + name + "\"]\r\n"},
+            {"new without pack", options, none, {}, fresh},
+            {"empty", options, none, "", added},
+            {"no final line end", options, none, "fov:0.5", "fov:0.5\r\n" + added},
             {"replaced in its place", options, pack,
              "gamma:0.5\nresourcePacks:[\"a.zip\",\"b.zip\"]\nlang:de_DE\n x:\xff",
              "gamma:0.5\nresourcePacks:[\"" + name + "\"]\r\nlang:de_DE\n x:\xff"},
             {"pack line without end", options, none, "lang:en\r\n\r\nresourcePacks:[]",
              "lang:en\r\n\r\nresourcePacks:[\"\"]\r\n"},
-            {"key not at the front", options, none, "my lang:x\r\nresourcePacks:x\r\n",
-             "my lang:x\r\nresourcePacks:x\r\nresourcePacks:[\"\"]\r\nlang:zh_CN\r\n"},
-            {"several MB", options, none, many, many + "resourcePacks:[\"\"]\r\nlang:zh_CN\r\n"},
-            {"new shaders", shaders, "s.zip", missing, "shaderPack=s.zip\r\n"},
-            {"new shaders without pack", shaders, none, missing, ""},
-            {"shaders replaced", shaders, none, "a=1\r\nshaderPack=old\nb=2",
-             "a=1\r\nshaderPack=\r\nb=2"},
+            {"no key", options, none, "a lang:x\nresourcePacks:x\n",
+             "a lang:x\nresourcePacks:x\n" + added},
+            {"new shaders", shaders, "s.zip", {}, "shaderPack=s.zip\r\n"},
+            {"new shaders without pack", shaders, none, {}, ""},
+            {"shaders replaced", shaders, none, "a\r\nshaderPack=x\nb", "a\r\nshaderPack=\r\nb"},
             {"shaders added", shaders, "s.zip", QByteArray("a=\0", 3),
              QByteArray("a=\0\r\nshaderPack=s.zip\r\n", 23)},
         };
@@ -60,25 +55,17 @@ private Q_SLOTS:
         const QTemporaryDir dir;
         const LogCapture log;
         QVERIFY2(!GameOptions::updateOptions(dir.path(), {}), "a folder can't be read");
-        const QString file = dir.filePath("o.txt");
-        QVERIFY(FS::writeFile(file, "old"));
-        QVERIFY2(GameOptions::updateOptions(file + "/o.txt", {}),
-                 "nor a file below a file written");
+        QVERIFY(FS::writeFile(dir.filePath("file"), "old"));
+        QVERIFY(GameOptions::updateOptions(dir.filePath("file/o.txt"), {}));
         QCOMPARE(log.lines().size(), 2);
-        QVERIFY(QFile::setPermissions(file, QFileDevice::ReadOwner));
-        if (QFileInfo(file).isWritable())
-            QSKIP("this user may write everything");
-        QVERIFY(GameOptions::updateOptions(file, {}));
-        QVERIFY(FS::readFile(file) == QByteArray("old") && log.lines().size() == 3);
     }
 
     void theFirstPackCounts()
     {
         const QTemporaryDir dir;
-        QCOMPARE(GameOptions::firstPack(dir.filePath("none")), QString());
-        QVERIFY(QDir(dir.path()).mkdir("folder.zip"));
-        QVERIFY(FS::writeFile(dir.filePath("a.rar"), ""));
-        QCOMPARE(GameOptions::firstPack(dir.path()), QString());
+        QVERIFY(QDir(dir.path()).mkdir("folder.zip") && FS::writeFile(dir.filePath("a.rar"), ""));
+        for (const QString folder : {"none", "."})
+            QCOMPARE(GameOptions::firstPack(dir.filePath(folder)), QString());
         QVERIFY(FS::writeFile(dir.filePath("z.7z"), ""));
         QCOMPARE(GameOptions::firstPack(dir.path()), "z.7z");
     }

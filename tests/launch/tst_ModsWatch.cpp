@@ -1,38 +1,41 @@
-#include <QFileSystemWatcher>
-#include <QtTest>
-
 #include "core/launch/LaunchMcProcessFSW.h"
 #include "tests/support/GameRun.h"
 
 namespace {
 
-/// A game that runs until the file "end" lies in its game base.
+/// A game that runs until the file "end" lies in its game base, and that is up.
 struct WatchedRun : GameRun<LaunchMcProcessFSW>
 {
-    explicit WatchedRun(const QStringList &mods) : GameRun("until %dir/end")
+    explicit WatchedRun(const QStringList &mods, const QString &user = "Steve")
+        : GameRun("until %dir/end")
     {
         for (const QString &name : mods)
-            touch(name, "old");
-    }
-    ~WatchedRun() { give("end"); }
-
-    bool isUp()
-    {
+            touch(name);
+        game->setArgs(LaunchMcProcess::ArgUserName, user);
         game->start();
-        return QTest::qWaitFor([this] { return states.contains("Running"); });
+        Q_UNUSED(QTest::qWaitFor([&] { return user.isEmpty() || states.contains("Running"); }))
     }
+
     QFileSystemWatcher *watcher() const { return game->findChild<QFileSystemWatcher *>(); }
+    void touch(const QString &name) const { write(file(name), "old"); }
     void append(const QString &name) const
     {
         QFile mod(file(name));
         QVERIFY(mod.open(QIODevice::Append) && mod.write("x") == 1);
     }
-    void rename(const QString &from, const QString &to) const
+    void change(const QString &what) const
     {
-        QVERIFY(QFile::rename(file(from), file(to)));
+        const QStringList words = what.split(' ');
+        const QString how = words.at(0), name = words.at(1);
+        if (how == "append")
+            append(name);
+        else if (how == "touch")
+            touch(name);
+        else if (how == "remove") // Windows keeps a watched folder until its watch has gone.
+            Q_UNUSED(FS::removeTree(file(name)))
+        else
+            QVERIFY(QFile::rename(file(name), file(words.at(2))));
     }
-    /// Windows keeps a watched folder until its watch has gone.
-    void remove(const char *name) const { Q_UNUSED(FS::removeTree(file(name))) }
 };
 
 } // namespace
@@ -43,41 +46,25 @@ class tst_ModsWatch : public QObject
 private Q_SLOTS:
     void changesEndTheGame()
     {
-        const QString a = "mods/a.jar";
-        const QStringList mods{a, "mods/sub/b.zip", "mods/x.txt"};
-        const struct
-        {
-            const char *name;
-            QStringList mods;
-            std::function<void(const WatchedRun &)> change;
-        } rows[] = {
-            {"changed", mods, [&](auto &run) { run.append(a); }},
-            {"replaced by rename", mods, [&](auto &run) { run.touch(a, "old"); }},
-            {"removed", mods, [&](auto &run) { run.remove("mods/a.jar"); }},
-            {"gone and back", mods,
-             [&](auto &run) {
-                 run.remove("mods/sub/b.zip");
-                 run.touch("mods/sub/b.zip", "old");
-             }},
-            {"harmless file renamed", mods,
-             [](auto &run) { run.rename("mods/x.txt", "mods/x.zip"); }},
-            {"new in a new subfolder", mods, [](auto &run) { run.touch("mods/new/deep/c.class"); }},
-            {"folder swapped", mods,
-             [&](auto &run) {
-                 run.rename("mods", "aside");
-                 for (const QString &name : mods)
-                     run.touch(name, "old");
-             }},
-            {"folder moved away", mods, [](auto &run) { run.rename("mods", "aside"); }},
-            {"folder removed", mods, [](auto &run) { run.remove("mods"); }},
-            {"new in an empty folder that was made", {}, [&](auto &run) { run.touch(a); }},
+        const QStringList mods{"mods/a.jar", "mods/sub/b.zip", "mods/x.txt"};
+        const QPair<QStringList, const char *> rows[] = {
+            {mods, "append mods/a.jar"},
+            {mods, "touch mods/a.jar"}, // written beside it and renamed
+            {mods, "remove mods/a.jar"},
+            {mods, "remove mods/sub/b.zip|touch mods/sub/b.zip"},
+            {mods, "rename mods/x.txt mods/x.zip"},
+            {mods, "touch mods/new/deep/c.class"},
+            {mods, "rename mods aside|touch mods/a.jar|touch mods/sub/b.zip|touch mods/x.txt"},
+            {mods, "rename mods aside"},
+            {mods, "remove mods"},
+            {{}, "touch mods/a.jar"}, // the launch has made the folder
         };
-        for (const auto &row : rows) {
-            WatchedRun run(row.mods);
-            QVERIFY(run.isUp());
-            row.change(run);
+        for (const auto &[before, changes] : rows) {
+            const WatchedRun run(before);
+            for (const QString &change : QString(changes).split('|'))
+                run.change(change);
             const auto isOver = [&] { return run.states.contains("Exited"); };
-            QVERIFY2(QTest::qWaitFor(isOver, 2000), row.name);
+            QVERIFY2(QTest::qWaitFor(isOver, 2000), changes);
             QCoreApplication::processEvents();
             QCOMPARE(run.story(), "Preparing Initializing Running Tampered Exited");
         }
@@ -87,10 +74,9 @@ private Q_SLOTS:
     {
         for (const QString folder : {"mods", "mods/sub", "mods/new"}) {
             WatchedRun run({"mods/sub/x.txt"});
-            QVERIFY(run.isUp());
             QSignalSpy seen(run.watcher(), &QFileSystemWatcher::directoryChanged);
             if (folder != "mods/new")
-                run.rename(folder, "aside");
+                run.change("rename " + folder + " aside");
             run.touch(folder + "/x.txt");
             QVERIFY(seen.wait());
             QCoreApplication::processEvents();
@@ -103,33 +89,26 @@ private Q_SLOTS:
     void harmlessWritesRaiseNoAlarm()
     {
         WatchedRun run({"mods/a.jar", "mods/x.txt"});
-        QVERIFY(run.isUp());
         for (int i = 0; i < 10000; ++i) {
             const char *const names[] = {"mods/x.txt", "options.txt", "mods/#.cfg", "#.jar"};
-            QFile file(run.file(QString(names[i % 4]).replace('#', QString::number(i % 1000))));
-            QVERIFY(file.open(QIODevice::Append) && file.write("x") == 1);
+            run.append(QString(names[i % 4]).replace('#', QString::number(i % 1000)));
             if (i % 100 == 0)
                 QCoreApplication::processEvents();
         }
-        run.give("end");
+        run.write("end");
         QTRY_COMPARE(run.story(), "Preparing Initializing Running Exited");
         QVERIFY2(!run.watcher(), "still watched");
     }
 
     void aLaunchThatFailedIsNotTampered()
     {
-        WatchedRun run({});
-        run.game->setArgs(LaunchMcProcess::ArgUserName, {});
-        run.game->start();
+        const WatchedRun run({}, "");
         QSignalSpy seen(run.watcher(), &QFileSystemWatcher::directoryChanged);
         run.touch("mods/a.jar");
         QVERIFY(seen.wait());
         QCoreApplication::processEvents();
         QCOMPARE(run.story(), "Preparing OtherError");
     }
-
-private:
-    const WindowlessSystem m_system;
 };
 
 QTEST_GUILESS_MAIN(tst_ModsWatch)

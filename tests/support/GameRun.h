@@ -2,12 +2,8 @@
 
 #include <atomic>
 #include <functional>
-#include <memory>
 
-#include <QCoreApplication>
-#include <QMetaEnum>
-#include <QTemporaryDir>
-#include <QThread>
+#include <QtTest>
 
 #include "core/launch/LaunchMcProcess.h"
 #include "platform/OtherProcesses.h"
@@ -39,17 +35,13 @@ private:
 
 /// One game in a temporary game base: the stub Java (tests/support/StubJava.cpp), steered by
 /// `steps`, in which "%dir" stands for the game base. Once the game counts as up, the file "go"
-/// lies there, outside of the instance directory.
+/// lies there, outside of the instance directory. Its end ends a game that still runs.
 template <typename Game = LaunchMcProcess>
 struct GameRun
 {
-    using State = LaunchMcProcess::State;
-
-    explicit GameRun(QString steps = "until %dir/go", const QByteArray &argumentTemplate = "-x\n",
-                     const QString &name = "Instance")
-        : instance(dir.filePath(name))
+    explicit GameRun(QString steps = "until %dir/go", const QByteArray &argumentTemplate = "-x\n")
     {
-        write(dir.filePath(".minecraft/versions/oriel7/7.bat"), argumentTemplate);
+        write(".minecraft/versions/oriel7/7.bat", argumentTemplate);
         game->setArgs(Game::ArgJavaPath, QCoreApplication::applicationDirPath() + "/stub-java");
         game->setArgs(Game::ArgGameBase, dir.path());
         game->setArgs(Game::ArgInstanceDir, instance);
@@ -57,24 +49,19 @@ struct GameRun
         auto environment = QProcessEnvironment::systemEnvironment();
         environment.insert("STUB_STEPS", steps.replace("%dir", dir.path()));
         game->setProcessEnv(environment);
-        QObject::connect(game.get(), &Game::processStateChange, game.get(), [this](State state) {
-            const char *const key = QMetaEnum::fromType<State>().valueToKey(state);
-            states << QString::fromLatin1(key).mid(5);
+        QObject::connect(game.get(), &Game::processStateChange, game.get(), [this](int state) {
+            const auto names = QMetaEnum::fromType<LaunchMcProcess::State>();
+            states << QString(names.valueToKey(state)).mid(5);
             if (state == Game::StateRunning)
-                give("go");
-            if (onState)
-                onState(state);
+                write("go");
+            onState(state);
         });
     }
-    /// Ends a game that is still waiting.
-    ~GameRun() { give("go"); }
 
-    /// Makes the file that a step of the stub waits for.
-    void give(const QString &name) const { write(dir.filePath(name), {}); }
-    void touch(const QString &name, const QByteArray &data = {}) const { write(file(name), data); }
-    static void write(const QString &path, const QByteArray &data)
+    /// Makes a file; in the game base, unless the path is a full one.
+    void write(const QString &path, const QByteArray &data = {}) const
     {
-        if (!FS::writeFile(path, data))
+        if (!FS::writeFile(QDir(dir.path()).filePath(path), data))
             qFatal("no file");
     }
     QString file(const QString &name) const { return instance + '/' + name; }
@@ -85,8 +72,9 @@ struct GameRun
     QString story() const { return states.join(' '); }
 
     QTemporaryDir dir;
-    QString instance;
+    const QString instance = dir.filePath("我 a's%1");
     QStringList states;
-    std::function<void(State)> onState;
+    std::function<void(int)> onState = [](int) {};
+    std::optional<WindowlessSystem> system{std::in_place};
     std::unique_ptr<Game> game = std::make_unique<Game>("7");
 };

@@ -1,21 +1,16 @@
 #include "tests/support/StubSystem.h"
 
-#include <cstdlib>
-
 #include <windows.h>
-
-namespace StubSystem {
 
 static HWND window = nullptr;
 
-bool openWindow()
+void StubSystem::openWindow()
 {
     window = CreateWindowExW(0, L"STATIC", L"", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 99, 99,
                              nullptr, nullptr, nullptr, nullptr);
-    return window != nullptr;
 }
 
-QString windowTitle()
+QString StubSystem::windowTitle()
 {
     // A process counts as ready for input once it has waited for some.
     MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
@@ -26,10 +21,7 @@ QString windowTitle()
     return QString::fromWCharArray(text, GetWindowTextW(window, text, 99));
 }
 
-void crash()
+void StubSystem::crash()
 {
     TerminateProcess(GetCurrentProcess(), 0xC0000005);
-    std::abort();
 }
-
-} // namespace StubSystem
