@@ -3,7 +3,7 @@
 #include <QProcess>
 #include <QSettings>
 
-static const QString folderVariable = "RIVET_TEST_SANDBOX";
+static const char folderVariable[] = "RIVET_TEST_SANDBOX";
 
 static int runCopyIn(const QString &folder)
 {
@@ -17,9 +17,8 @@ static int runCopyIn(const QString &folder)
         environment.insert(variable, folder + "/home");
     environment.insert(folderVariable, folder);
     // Windows looks for libraries beside the program and then here.
-    const QString path = "PATH";
-    environment.insert(path,
-                       QFileInfo(program).path() + QDir::listSeparator() + environment.value(path));
+    const QString places = QCoreApplication::applicationDirPath() + QDir::listSeparator();
+    environment.insert("PATH", places + environment.value("PATH"));
     QProcess child;
     child.setProcessEnvironment(environment);
     child.setProcessChannelMode(QProcess::ForwardedChannels);
@@ -31,7 +30,7 @@ static int runCopyIn(const QString &folder)
 int runInSandbox(int (*test)(int argc, char **argv), int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
-    const QString folder = QProcessEnvironment::systemEnvironment().value(folderVariable);
+    const QString folder = qEnvironmentVariable(folderVariable);
     if (folder.isEmpty())
         return runCopyIn(QTemporaryDir().path());
 

@@ -35,14 +35,12 @@ inline QByteArray outputOf(const QString &program, const QStringList &arguments)
 /// Makes @p link a link to the folder @p target, on Windows a junction.
 inline void makeLink(const QString &target, const QString &link)
 {
-    const auto below = [](const QString &path) {
-        return QString::fromUtf8(outputOf("winepath", {"-u", QDir::toNativeSeparators(path)}));
-    };
+    const QString from = QDir::toNativeSeparators(link), to = QDir::toNativeSeparators(target);
+    const auto below = [](const QString &path) { return outputOf("winepath", {"-u", path}); };
     if (isWine())
-        outputOf("start", {"/wait", "/unix", "/bin/ln", "-s", below(target), below(link)});
+        outputOf("start", {"/wait", "/unix", "/bin/ln", "-s", below(to), below(from)});
     else if (QOperatingSystemVersion::currentType() == QOperatingSystemVersion::Windows)
-        outputOf("cmd", {"/c", "mklink", "/J", QDir::toNativeSeparators(link),
-                         QDir::toNativeSeparators(target)});
+        outputOf("cmd", {"/c", "mklink", "/J", from, to});
     else
         QFile::link(target, link);
     QVERIFY(QFileInfo::exists(link));
