@@ -13,13 +13,14 @@ std::optional<QStringList> read(const QString &path, const QVector<Replacement> 
     while (!file.atEnd()) {
         QByteArray line = file.readLine();
         if (line.isEmpty())
-            continue;
+            break; // the file has become shorter, or can't be read on
         line.replace('\r', QByteArray()).replace('\n', QByteArray());
         for (const Replacement &replacement : replacements)
             line.replace(replacement.placeholder, replacement.value);
         arguments << QString::fromUtf8(line);
     }
-    return arguments;
+    return file.error() == QFileDevice::NoError ? std::optional<QStringList>(arguments)
+                                                : std::nullopt;
 }
 
 } // namespace ArgumentTemplate

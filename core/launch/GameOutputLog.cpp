@@ -4,7 +4,7 @@
 #include <QFile>
 #include <QProcess>
 
-#include "support/jsonfskit/FS.h"
+#include "platform/FileEntry.h"
 #include "support/jsonfskit/Log.h"
 
 namespace GameOutputLog {
@@ -14,7 +14,7 @@ QString startNew(const QString &instanceDir)
     const QString dir = QDir::cleanPath(QDir(instanceDir).absolutePath());
     const QString current = dir + QLatin1String("/game-output.log");
     const QString previous = dir + QLatin1String("/game-output.previous.log");
-    if (QFile::exists(current) && !(FS::removeFile(previous) && QFile::rename(current, previous)))
+    if (QFile::exists(current) && !platform::replaceFile(current, previous))
         Log::warning(QLatin1String("the game's last output could not be kept: ") + current);
 
     // A process whose output can't be opened does not start.

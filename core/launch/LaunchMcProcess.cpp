@@ -123,7 +123,8 @@ bool LaunchMcProcess::hasRunEnded() const
 void LaunchMcProcess::onGameStarted()
 {
     const auto *const process = qobject_cast<QProcess *>(sender());
-    if (!process)
+    // A game whose end was asked for because of its mods has only that end left to tell.
+    if (!process || m_state == StateTampered)
         return;
     m_waiter = new WaitMcClientInitialized(this);
     m_waiter->setProcessId(process->processId());
@@ -136,7 +137,8 @@ void LaunchMcProcess::onGameStarted()
     connect(m_waiter, &QThread::finished, this, &LaunchMcProcess::onWaitInitThreadFinished);
     m_waiter->start(QThread::InheritPriority);
     setCurProgress(95, 100);
-    setStatus(tr("game client initialize..."));
+    if (self)
+        setStatus(tr("game client initialize..."));
 }
 
 void LaunchMcProcess::onWaitInitThreadFinished()

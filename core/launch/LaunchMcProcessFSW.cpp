@@ -75,9 +75,10 @@ bool LaunchMcProcessFSW::addPathToWatcher(const QString &path)
     // The folder above tells when this one is swapped for another or comes back.
     watch({path, m_instanceDir});
     const QStringList files = watchNewFoldersAndList(path);
+    // Stamped once they are watched: every change after the stamp is then an event.
+    watch(files);
     for (const QString &file : files)
         m_watchedFiles.insert(file, platform::fileStamp(file));
-    watch(files);
     return true;
 }
 

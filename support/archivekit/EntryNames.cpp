@@ -18,6 +18,8 @@ static_assert(sizeof(upperHalfOfCp437) == 129 * sizeof(char16_t));
 
 // In bytes of UTF-8: the limit of the usual file systems.
 constexpr int longestComponent = 255;
+// A path of many thousand folders costs memory and stack long before it gets to the disk.
+constexpr int longestPath = 1024;
 
 std::optional<QString> decodeBy(const char *codecName, const QByteArray &raw)
 {
@@ -108,6 +110,8 @@ NameFault faultOf(const QString &path)
 {
     if (path.isEmpty())
         return NameFault::Empty;
+    if (path.size() > longestPath)
+        return NameFault::LongComponent;
     if (path.startsWith(QLatin1Char('/')))
         return NameFault::Absolute;
     if (path.contains(QLatin1Char('\\')))

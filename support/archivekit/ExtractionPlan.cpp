@@ -6,9 +6,6 @@ namespace archivekit {
 
 namespace {
 
-// Far above any archive that players get, and few enough for memory.
-constexpr int mostEntries = 200000;
-
 /// "./name" and "name/" are usual ways to write a name.
 QString tidy(const QString &name, EntryType type)
 {

@@ -6,6 +6,9 @@
 
 namespace archivekit {
 
+/// No archive of ours comes near it; one with more is refused before it costs memory.
+constexpr int mostEntries = 200000;
+
 enum class EntryType {
     File,
     Folder,

@@ -26,7 +26,9 @@ QStringList namesIn(const QString &folder)
 } // namespace
 
 StagingFolder::StagingFolder(QString targetDirectory)
-    : m_target(QDir::cleanPath(QDir().absoluteFilePath(targetDirectory)))
+    : m_target(targetDirectory.isEmpty()
+                   ? QString()
+                   : QDir::cleanPath(QDir().absoluteFilePath(targetDirectory)))
 {
 }
 
@@ -43,7 +45,7 @@ StagingFolder::~StagingFolder()
 
 bool StagingFolder::prepare()
 {
-    if (!makeTarget())
+    if (m_target.isEmpty() || !makeTarget())
         return fail({}, QStringLiteral("the target folder can not be made"));
     QTemporaryDir root(m_target % QStringLiteral("/.rivet-unpack-XXXXXX"));
     root.setAutoRemove(false);

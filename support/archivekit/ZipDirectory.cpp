@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "support/archivekit/EntryNames.h"
+#include "support/archivekit/ExtractionPlan.h"
 
 namespace archivekit {
 
@@ -75,6 +76,8 @@ bool ZipDirectory::readRecords(const DirectoryPlace &place)
         const auto record = takeCentralRecord(*directory, at);
         if (!record)
             return fail("the directory of the archive is damaged");
+        if (static_cast<int>(m_records.size()) >= mostEntries)
+            return fail("the archive has too many entries");
         m_records.push_back(*record);
     }
     if (m_records.size() != place.count)

@@ -147,7 +147,7 @@ bool FileTransfer::fitsPart(const ResponseHead &head) const
     const auto agree = [](const QByteArray &ours, const QByteArray &theirs) {
         return ours.isEmpty() || theirs.isEmpty() || ours == theirs;
     };
-    return head.firstByte == m_copy.partBytes() &&
+    return m_copy.isPartUntouched() && head.firstByte == m_copy.partBytes() &&
            (part.totalBytes < 0 || head.record.totalBytes == part.totalBytes) &&
            agree(part.etag, head.record.etag) && agree(part.lastModified, head.record.lastModified);
 }

@@ -123,6 +123,11 @@ bool LocalCopy::append(const char *data, qint64 size)
     return true;
 }
 
+bool LocalCopy::isPartUntouched() const
+{
+    return QFileInfo(m_part.fileName()).size() == m_partBytes;
+}
+
 bool LocalCopy::dropPart()
 {
     m_part.close();
@@ -137,6 +142,8 @@ bool LocalCopy::completePart()
     // An old part that was only resumed for its last byte would otherwise keep an old date.
     m_part.setFileTime(QDateTime::currentDateTime(), QFileDevice::FileModificationTime);
     m_part.close();
+    if (!isPartUntouched())
+        return complain("somebody else changed ");
     if (!platform::replaceFile(m_part.fileName(), m_filePath))
         return complain("cannot rename ");
     // The record follows the file: one about a version that is not there yet would let an old file

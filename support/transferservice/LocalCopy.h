@@ -41,6 +41,8 @@ public:
     /// Begins a new, empty part about @p record; what an old one held is gone.
     [[nodiscard]] bool beginPart(const DownloadRecord &record);
     /// Appends to the part that is there.
+    /// False if somebody else has changed or removed the part since it was last written.
+    bool isPartUntouched() const;
     [[nodiscard]] bool resumePart();
     /// On false the part may have grown by less than @p size.
     [[nodiscard]] bool append(const char *data, qint64 size);

@@ -43,7 +43,7 @@ inline void makeLink(const QString &target, const QString &link)
         outputOf("cmd", {"/c", "mklink", "/J", from, to});
     else
         QFile::link(target, link);
-    QVERIFY(QFileInfo::exists(link));
+    QTRY_VERIFY(QFileInfo::exists(link));
 }
 
 /// All entries below @p folder in the same form, sorted and joined by blanks; links are not
