@@ -28,6 +28,8 @@ static bool isAtOrBelow(const QString &path, const QString &folder)
 LaunchMcProcessFSW::LaunchMcProcessFSW(QString clientVersion, QObject *parent)
     : LaunchMcProcess(std::move(clientVersion), parent)
 {
+    // A run that never gets as far as a process ends without onGameFinished().
+    connect(this, &LaunchMcProcess::processStateChange, this, &LaunchMcProcessFSW::endWatch);
 }
 
 LaunchMcProcessFSW::~LaunchMcProcessFSW() = default;
@@ -40,13 +42,12 @@ void LaunchMcProcessFSW::onTaskRun()
 
 void LaunchMcProcessFSW::startModsPathWatcher()
 {
-    if (!m_watcher) {
-        m_watcher = new QFileSystemWatcher(this);
-        connect(m_watcher, &QFileSystemWatcher::directoryChanged, this,
-                &LaunchMcProcessFSW::onModsPathChanged, Qt::QueuedConnection);
-        connect(m_watcher, &QFileSystemWatcher::fileChanged, this,
-                &LaunchMcProcessFSW::onModsFileChanged, Qt::QueuedConnection);
-    }
+    delete m_watcher;
+    m_watcher = new QFileSystemWatcher(this);
+    connect(m_watcher, &QFileSystemWatcher::directoryChanged, this,
+            &LaunchMcProcessFSW::onModsPathChanged, Qt::QueuedConnection);
+    connect(m_watcher, &QFileSystemWatcher::fileChanged, this,
+            &LaunchMcProcessFSW::onModsFileChanged, Qt::QueuedConnection);
     m_watchedFiles.clear();
     m_watchedDirs.clear();
     const QString instanceDir = getArgsValue(ArgInstanceDir);
@@ -182,8 +183,14 @@ void LaunchMcProcessFSW::onGameFinished(int nExitCode, QProcess::ExitStatus exit
 {
     const QPointer<LaunchMcProcessFSW> self(this);
     LaunchMcProcess::onGameFinished(nExitCode, exitStatus);
-    // A listener may have deleted us, or started the next run with a watch of its own. All paths
-    // go with the watcher, in a fraction of the time that taking each out of it costs.
-    if (self && hasRunEnded())
+    if (self)
+        endWatch();
+}
+
+/// All paths go with the watcher, in a fraction of the time that taking each out of it costs. A
+/// listener may have started the next run meanwhile, with a watch of its own.
+void LaunchMcProcessFSW::endWatch()
+{
+    if (hasRunEnded())
         delete std::exchange(m_watcher, nullptr);
 }

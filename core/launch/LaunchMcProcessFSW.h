@@ -34,6 +34,7 @@ protected Q_SLOTS:
 
 private:
     void startModsPathWatcher();
+    void endWatch();
     bool addPathToWatcher(const QString &path);
     void watch(const QStringList &paths);
     void watchFoldersAgain(const QString &path);
