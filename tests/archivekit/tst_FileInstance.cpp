@@ -218,9 +218,9 @@ private Q_SLOTS:
         const QSignalSpy finished(instance.get(), &FileInstance::FileFinished);
         instance->Start(m_archive, m_target);
         instance->Start(m_archive, m_root + "/second");
-        QTRY_VERIFY(treeOf(m_target).count(' ') > 4);
-        for (const QString &name : treeOf(m_target).split(' '))
-            QVERIFY(name.startsWith(".rivet-unpack-"));
+        const QStringList any(".rivet-unpack-*");
+        QVERIFY(QTest::qWaitFor(
+            [&] { return !QDir(m_target).entryList(any, QDir::Dirs | QDir::Hidden).isEmpty(); }));
         instance.reset();
         QCOMPARE(treeOf(m_root), "");
         QCoreApplication::processEvents();
