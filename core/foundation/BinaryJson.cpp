@@ -1,0 +1,24 @@
+#include "core/foundation/BinaryJson.h"
+
+#include <QJsonDocument>
+
+#include "support/jsonfskit/FS.h"
+
+// The form is deprecated in favour of CBOR, but files of it lie on the disks of our users.
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+
+namespace BinaryJson {
+
+std::optional<QJsonObject> readFile(const QString &path)
+{
+    const QJsonDocument document =
+        QJsonDocument::fromBinaryData(FS::readFile(path).value_or(QByteArray()));
+    return document.isObject() ? std::optional<QJsonObject>(document.object()) : std::nullopt;
+}
+
+bool writeFile(const QString &path, const QJsonObject &object)
+{
+    return FS::writeFile(path, QJsonDocument(object).toBinaryData());
+}
+
+} // namespace BinaryJson

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <optional>
+
+#include <QJsonObject>
+#include <QString>
+
+/// Files that hold one JSON object in Qt's binary form, which is how most caches of the core lie on
+/// disk. Any thread.
+namespace BinaryJson {
+
+/// The object in the file; nothing if it is missing or not of this form.
+[[nodiscard]] std::optional<QJsonObject> readFile(const QString &path);
+
+/// Replaces the file as a whole; false if it can't be written.
+[[nodiscard]] bool writeFile(const QString &path, const QJsonObject &object);
+
+} // namespace BinaryJson
