@@ -4,12 +4,11 @@
 
 #include <QCoreApplication>
 #include <QNetworkAccessManager>
-#include <QNetworkReply>
 #include <QSettings>
-#include <QSslError>
 
 #include "base/LazySingleton.h"
 #include "core/foundation/MCSettings.h"
+#include "core/foundation/NetworkPolicy.h"
 #include "core/foundation/QNetworkCookieJarEx.h"
 #include "support/jsonfskit/Log.h"
 
@@ -64,9 +63,8 @@ QNetworkAccessManager *Environment::createNetwork()
 
 void Environment::setUp(QNetworkAccessManager &manager)
 {
-    manager.setRedirectPolicy(QNetworkRequest::NoLessSafeRedirectPolicy);
+    NetworkPolicy::apply(manager);
     manager.setTransferTimeout(static_cast<int>(longestSilence.count()));
-    connect(&manager, &QNetworkAccessManager::sslErrors, this, &Environment::onSslErrors);
     if (!m_cookieJar)
         return;
     manager.setCookieJar(m_cookieJar);
@@ -93,14 +91,4 @@ void Environment::clearAllCookies()
 bool Environment::isDebugMode()
 {
     return QSettings().value(QStringLiteral("Debug"), QVariant()).toUInt() == 1;
-}
-
-void Environment::onSslErrors(QNetworkReply *reply, const QList<QSslError> &errors)
-{
-    if (!reply)
-        return;
-    Log::debug(QStringLiteral("handleSslErrors: "));
-    for (const QSslError &error : errors)
-        Log::debug(QLatin1String("ssl error: ") % error.errorString());
-    reply->ignoreSslErrors();
 }

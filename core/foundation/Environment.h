@@ -12,8 +12,6 @@
 class MCSettings;
 class QNetworkAccessManager;
 class QNetworkCookieJarEx;
-class QNetworkReply;
-class QSslError;
 template <typename Type>
 class LazySingleton;
 
@@ -51,9 +49,6 @@ public:
 
 public Q_SLOTS:
     void clearAllCookies();
-
-private Q_SLOTS:
-    void onSslErrors(QNetworkReply *reply, const QList<QSslError> &errors);
 
 private:
     friend class LazySingleton<Environment>;
