@@ -2,7 +2,6 @@
 
 #include "core/foundation/BinaryJson.h"
 #include "core/resources/ResInfoJson.h"
-#include "core/resources/ResUpdateTask.h"
 #include "support/jsonfskit/Log.h"
 
 namespace {

@@ -7,8 +7,7 @@
 
 #include "base/RivetCoreExport.h"
 #include "core/resources/ResInfo.h"
-
-class ResUpdateTask;
+#include "core/resources/ResUpdateTask.h"
 
 /// One resource: its record, and the handle by which it is installed, stopped and deleted.
 ///

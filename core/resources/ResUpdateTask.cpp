@@ -18,8 +18,11 @@
 #include "support/jsonfskit/Log.h"
 
 ResUpdateTask::ResUpdateTask(uint id, ResType type, ResInfo *info, QObject *parent)
-    : TaskAbstract(parent), m_id(id), m_type(type),
-      m_manager(Environment::GetInstance()->getShareNetworkAccessMgr()), m_resInfo(info),
+    : TaskAbstract(parent),
+      m_id(id),
+      m_type(type),
+      m_manager(Environment::GetInstance()->getShareNetworkAccessMgr()),
+      m_resInfo(info),
       m_startTimer(this)
 {
     setObjectName(QStringLiteral("resObj,id:%1,type:%2").arg(id).arg(type));
@@ -126,8 +129,7 @@ void ResUpdateTask::onUpdateResInfoFinished()
 
 void ResUpdateTask::takeRecord(QNetworkReply &reply)
 {
-    const QJsonObject answer =
-        QJsonDocument::fromJson(CachedAnswer::filteredBody(reply)).object();
+    const QJsonObject answer = QJsonDocument::fromJson(CachedAnswer::filteredBody(reply)).object();
     const QJsonObject record = answer[QLatin1String("resource")].toObject();
     if (!record.isEmpty())
         m_resInfo->loadFromRemote(record);
@@ -148,10 +150,10 @@ void ResUpdateTask::startDownload()
         return;
     }
     const auto instance = download();
-    connect(instance.get(), &ResDownload::dlStatuschanged, this,
-            &ResUpdateTask::onDLStatuschanged, Qt::UniqueConnection);
-    connect(instance.get(), &ResDownload::progressChanged, this,
-            &ResUpdateTask::onProgressChanged, Qt::UniqueConnection);
+    connect(instance.get(), &ResDownload::dlStatuschanged, this, &ResUpdateTask::onDLStatuschanged,
+            Qt::UniqueConnection);
+    connect(instance.get(), &ResDownload::progressChanged, this, &ResUpdateTask::onProgressChanged,
+            Qt::UniqueConnection);
     connect(instance.get(), &ResDownload::dlSpeedUpdated, this, &ResUpdateTask::onDlSpeedUpdated,
             Qt::UniqueConnection);
     m_startTimer.start();
