@@ -1,0 +1,8 @@
+#include "core/deploy/DeployResRecorder.h"
+
+#include "base/LazySingleton.h"
+
+DeployResRecorder *DeployResRecorder::GetInstance()
+{
+    return LazySingleton<DeployResRecorder>::get();
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <memory>
+
+#include "core/deploy/DeployTask.h"
+
+class QLockFile;
+
+/// Deploys an archive: unpacks it into a folder of its own inside the target directory, moves the
+/// files into place and records them. progress() counts unpacked bytes.
+///
+/// The folder is named by a UUID in braces, and a lock file of that name beside it tells that a
+/// running task owns it. What tasks of ended processes left there goes when the next task for the
+/// directory starts.
+class RIVETCORE_EXPORT DeployTaskWithUnzip : public DeployTask
+{
+    Q_OBJECT
+public:
+    explicit DeployTaskWithUnzip(const DTskContext &context, QObject *parent = nullptr);
+    ~DeployTaskWithUnzip() override;
+
+public Q_SLOTS:
+    /// Emits quitTask() and returns true; the unpacking runs on to its end.
+    bool abort() override;
+
+Q_SIGNALS:
+    void quitTask();
+
+protected:
+    void onTaskRun() override;
+    void deploy() override;
+
+    /// The last word on files that have been moved into place; false fails the task.
+    virtual bool canUnZipFinished();
+
+private:
+    void unpack();
+    void onUnZipToTempFinished(bool success);
+    void removeTempFolder();
+
+    QString m_tempFolder;
+    std::unique_ptr<QLockFile> m_lock; ///< held from before the folder is made until it is gone
+};

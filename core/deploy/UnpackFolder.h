@@ -1,0 +1,26 @@
+#pragma once
+
+#include <memory>
+
+#include <QLockFile>
+#include <QString>
+
+/// The folders that archives are unpacked into before they are moved into place: "{uuid}" inside
+/// the deploy directory, with a lock file "{uuid}.lock" beside it for as long as a task uses it.
+/// Any thread.
+namespace UnpackFolder {
+
+/// A new one in @p deployDir; only its name.
+QString newPath(const QString &deployDir);
+
+/// True if @p name is that of such a folder.
+bool isName(const QString &name);
+
+/// Takes the lock of the folder @p path. Where the system gives none, the object is not locked, and
+/// then nobody else gets it either.
+std::unique_ptr<QLockFile> lock(const QString &path);
+
+/// Removes what ended processes left behind in @p deployDir. Blocks.
+void sweep(const QString &deployDir);
+
+} // namespace UnpackFolder
