@@ -9,11 +9,15 @@
 
 namespace BinaryJson {
 
+std::optional<QJsonObject> parse(const QByteArray &data)
+{
+    const QJsonDocument document = QJsonDocument::fromBinaryData(data);
+    return document.isObject() ? std::optional<QJsonObject>(document.object()) : std::nullopt;
+}
+
 std::optional<QJsonObject> readFile(const QString &path)
 {
-    const QJsonDocument document =
-        QJsonDocument::fromBinaryData(FS::readFile(path).value_or(QByteArray()));
-    return document.isObject() ? std::optional<QJsonObject>(document.object()) : std::nullopt;
+    return parse(FS::readFile(path).value_or(QByteArray()));
 }
 
 bool writeFile(const QString &path, const QJsonObject &object)
