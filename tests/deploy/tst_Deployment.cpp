@@ -1,5 +1,3 @@
-#include <QLockFile>
-
 #include "base/RivetCoreAtExitManagerUtil.h"
 #include "core/deploy/DepHistoryFlatFile.h"
 #include "core/deploy/DeployCleanTr.h"
@@ -8,6 +6,7 @@
 #include "core/deploy/DeployTaskWithCopyFile.h"
 #include "core/deploy/DeployTaskWithUnzipMd5.h"
 #include "core/foundation/MCSettings.h"
+#include "platform/FileLock.h"
 #include "support/coresupport/GlobalDebugOptions.h"
 #include "tests/support/Archives.h"
 #include "tests/support/Await.h"
@@ -126,14 +125,14 @@ private Q_SLOTS:
                       used = QString(left).replace(36, 1, "2"),
                       locked = QString(left).replace(36, 1, "3");
         makeFiles(m_game, {left + "/.rivet-unpack-1/new/x", locked + "/x", used + "/x", "{mine}/x",
-                           locked + ".lock=1\nnobody\n" + QSysInfo::machineHostName() + "\n"});
-        QLockFile lock(m_game + '/' + used + ".lock");
-        QVERIFY(lock.tryLock());
+                           locked + ".lock"});
+        auto lock = platform::FileLock::tryTake(m_game + '/' + used + ".lock");
+        QVERIFY(lock);
         QVERIFY(FS::writeFile(m_source, archiveOf("zip", {{"a"}})));
         QCOMPARE(deploy("unzip"), "");
         QCOMPARE(QDir(m_game).entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name),
                  QStringList({"a", used, used + ".lock", "{mine}"}));
-        lock.unlock();
+        lock.reset();
         QCOMPARE(deploy("unzip"), "");
         QCOMPARE(treeOf(m_game), "a {mine} {mine}/x");
     }

@@ -70,8 +70,7 @@ int main(int argc, char *argv[])
                              " saves saves/world saves/world/level.dat";
         if (child.exitCode() != 0 || treeOf(game) != tree ||
             history.getDeployResInDeployFolder(game).size() != 6)
-            std::printf("fault %d behind kill %d: %s\n", ++faults, killed,
-                        qPrintable(QDir(game).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).join(' ')+" "+QString::number(child.exitCode())+" "+QString::number(history.getDeployResInDeployFolder(game).size())+" "+QString::number(treeOf(game).size()-tree.size())));
+            std::printf("fault %d behind kill %d\n", ++faults, killed);
     }
     std::printf("deployment killed %d times, %d times half-way: %d faults\n", killed, midway,
                 faults);
