@@ -3,7 +3,6 @@
 #include <QDir>
 #include <QEventLoop>
 #include <QFileInfo>
-#include <QLockFile>
 
 #include "core/deploy/UnpackFolder.h"
 #include "core/foundation/FSH.h"

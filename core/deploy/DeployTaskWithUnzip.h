@@ -4,7 +4,9 @@
 
 #include "core/deploy/DeployTask.h"
 
-class QLockFile;
+namespace platform {
+class FileLock;
+}
 
 /// Deploys an archive: unpacks it into a folder of its own inside the target directory, moves the
 /// files into place and records them. progress() counts unpacked bytes.
@@ -39,5 +41,6 @@ private:
     void removeTempFolder();
 
     QString m_tempFolder;
-    std::unique_ptr<QLockFile> m_lock; ///< held from before the folder is made until it is gone
+    /// Held from before the folder is made until it is gone.
+    std::unique_ptr<platform::FileLock> m_lock;
 };

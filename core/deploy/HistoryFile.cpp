@@ -32,7 +32,7 @@ const QString filesKey = QStringLiteral("deployFiles");
 // its number of members (bit 0 tells an object) and the offset of its table, which comes last:
 // 32-bit little-endian words, all offsets from its own start. So it may be copied as it is into
 // another one. The word of a value has its type in the low 3 bits and its offset in the high 27.
-constexpr int prefixBytes = 8;
+const QByteArray prefix = QByteArrayLiteral("qbjs\1\0\0\0");
 constexpr int headBytes = 12;
 constexpr int sizeAt = 0, countAt = 4, tableAt = 8;
 constexpr quint32 objectType = 5;
@@ -58,7 +58,7 @@ QByteArray arrayOf(const QList<QByteArray> &objects)
         setWord(table, 4 * i, int(quint32(bytes) << offsetShift | objectType));
         bytes += objects.at(i).size();
     }
-    array.reserve(prefixBytes + bytes + table.size());
+    array.reserve(bytes + table.size());
     for (const QByteArray &object : objects)
         array += object;
     array += table;
@@ -70,7 +70,7 @@ QByteArray arrayOf(const QList<QByteArray> &objects)
 
 QByteArray bytesOf(const QJsonObject &object)
 {
-    return QJsonDocument(object).toBinaryData().mid(prefixBytes);
+    return QJsonDocument(object).toBinaryData().mid(prefix.size());
 }
 
 /// The object of one folder: Qt makes it with an empty array, which is then exchanged.
@@ -173,7 +173,7 @@ std::optional<QByteArray> build(const TableOf<QByteArray> &records)
     const QByteArray root = arrayOf(folders);
     if (root.size() > mostBytes)
         return std::nullopt;
-    return QJsonDocument(QJsonArray()).toBinaryData().left(prefixBytes) + root;
+    return prefix + root;
 }
 
 TableOf<DeployRecordItem> parse(const QByteArray &data)

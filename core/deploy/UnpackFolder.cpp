@@ -1,8 +1,7 @@
 #include "core/deploy/UnpackFolder.h"
 
-#include <chrono>
-
 #include <QDir>
+#include <QThread>
 #include <QUuid>
 
 #include "platform/FileEntry.h"
@@ -16,9 +15,7 @@ constexpr int nameLength = 38;
 
 const QString lockEnding = QStringLiteral(".lock");
 
-// A process that was killed before its id stood in its lock file would keep it for ever. The lock
-// of a process that still runs is not given away however old it is.
-constexpr std::chrono::milliseconds oldestNamelessLock = std::chrono::hours(24);
+constexpr int mostTries = 100;
 
 QString pathIn(const QString &deployDir, const QString &name)
 {
@@ -37,11 +34,15 @@ bool isName(const QString &name)
     return name.size() == nameLength && QUuid(name).toString() == name && !QUuid(name).isNull();
 }
 
-std::unique_ptr<QLockFile> lock(const QString &path)
+std::unique_ptr<platform::FileLock> lock(const QString &path)
 {
-    auto lock = std::make_unique<QLockFile>(path % lockEnding);
-    lock->setStaleLockTime(static_cast<int>(oldestNamelessLock.count()));
-    lock->tryLock(0);
+    const QString file = QDir().absoluteFilePath(path % lockEnding);
+    auto lock = platform::FileLock::tryTake(file);
+    // A sweep that has just found the file may have been quicker.
+    for (int tries = 1; !lock && tries < mostTries; ++tries) {
+        QThread::msleep(1);
+        lock = platform::FileLock::tryTake(file);
+    }
     return lock;
 }
 
@@ -62,8 +63,8 @@ void sweep(const QString &deployDir)
         const platform::EntryKind kind = platform::entryKind(path);
         if (kind != platform::EntryKind::Directory && !isLock)
             continue;
-        const std::unique_ptr<QLockFile> owner = lock(path);
-        if (owner->isLocked() && kind == platform::EntryKind::Directory)
+        const auto owner = platform::FileLock::tryTake(path % lockEnding);
+        if (owner && kind == platform::EntryKind::Directory)
             FS::removeTree(path);
     }
 }

@@ -2,8 +2,9 @@
 
 #include <memory>
 
-#include <QLockFile>
 #include <QString>
+
+#include "platform/FileLock.h"
 
 /// The folders that archives are unpacked into before they are moved into place: "{uuid}" inside
 /// the deploy directory, with a lock file "{uuid}.lock" beside it for as long as a task uses it.
@@ -16,9 +17,9 @@ QString newPath(const QString &deployDir);
 /// True if @p name is that of such a folder.
 bool isName(const QString &name);
 
-/// Takes the lock of the folder @p path. Where the system gives none, the object is not locked, and
-/// then nobody else gets it either.
-std::unique_ptr<QLockFile> lock(const QString &path);
+/// Takes the lock of the new folder @p path, whose deploy directory is there. Null where the system
+/// has no such locks; then nobody else gets it either.
+std::unique_ptr<platform::FileLock> lock(const QString &path);
 
 /// Removes what ended processes left behind in @p deployDir. Blocks.
 void sweep(const QString &deployDir);

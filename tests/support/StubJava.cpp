@@ -24,6 +24,8 @@ static void run(const QString &step, const QString &value)
         std::puts(qUtf8Printable('[' + arguments.join("]\n[") + ']'));
     } else if (step == "flood") {
         std::puts(QByteArray(4 * 1024 * 1024 - 1, '.'));
+    } else if (step == "print") {
+        std::puts(qUtf8Printable(value));
     } else if (step == "until") {
         waitFor([&] { return QFile::exists(value); });
     } else if (step == "window") {
