@@ -68,11 +68,11 @@ QJsonObject GameResConfig::Private::toJson() const
 {
     QJsonObject object;
     for (const Place &place : places) {
-        object.insert(QLatin1String(place.jsonKey),
-                      (this->*place.table)
-                          .toJson(QStringLiteral("instId"), [](const unsigned int &instId) {
-                              return QString::number(instId);
-                          }));
+        object.insert(
+            QLatin1String(place.jsonKey),
+            (this->*place.table).toJson(QStringLiteral("instId"), [](const unsigned int &instId) {
+                return QString::number(instId);
+            }));
     }
     return object;
 }
@@ -176,8 +176,7 @@ bool GameResConfig::save()
     return false;
 }
 
-void GameResConfig::setGameInstanceConfig(unsigned int instId, const QSet<quint64> &keys,
-                                          bool save)
+void GameResConfig::setGameInstanceConfig(unsigned int instId, const QSet<quint64> &keys, bool save)
 {
     if (d->changeInstance(&Table::add, d->custom, instId, keys) && save)
         this->save();

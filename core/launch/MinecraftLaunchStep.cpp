@@ -128,9 +128,9 @@ void MinecraftLaunchStep::onListUpdated()
 
 void MinecraftLaunchStep::followDescribed(ResKey key, const QJsonObject &info)
 {
-    follow(key, m_manager ? m_manager->resFromInfo(ResourceKey::idOf(key),
-                                                   ResourceKey::typeOf(key), info)
-                          : nullptr);
+    follow(key, m_manager
+                    ? m_manager->resFromInfo(ResourceKey::idOf(key), ResourceKey::typeOf(key), info)
+                    : nullptr);
 }
 
 void MinecraftLaunchStep::followMade(ResKey key)
@@ -168,8 +168,7 @@ void MinecraftLaunchStep::ensureDeployTask(ResObj &object)
     const auto instance = m_instance.lock();
     if (m_deployTasks.contains(key) || !instance)
         return;
-    DeployTask *task =
-        object.createDeployResTask(instance->instanceDir(), instance->instanceId());
+    DeployTask *task = object.createDeployResTask(instance->instanceDir(), instance->instanceId());
     if (!task)
         return;
     m_deployTasks.insert(key, task);
@@ -298,11 +297,10 @@ void MinecraftLaunchStep::onTaskDownloadProgress(quint64)
         }
     }
     const auto number = [](double value) { return QString::number(static_cast<quint64>(value)); };
-    setStatus(
-        tr("download speed:%1Kb/s<br/>").arg(number(double(qMax(speed, quint64(1))) / 1024)) %
-        tr("download size:%2M<br/>").arg(number(double(done) / bytesPerMiB)) %
-        tr("file total size:%3M<br/>").arg(number(double(total) / bytesPerMiB)) %
-        tr("<extern>please be patient, you can play all server once updated</extern>"));
+    setStatus(tr("download speed:%1Kb/s<br/>").arg(number(double(qMax(speed, quint64(1))) / 1024)) %
+              tr("download size:%2M<br/>").arg(number(double(done) / bytesPerMiB)) %
+              tr("file total size:%3M<br/>").arg(number(double(total) / bytesPerMiB)) %
+              tr("<extern>please be patient, you can play all server once updated</extern>"));
     advance(GetCheckUpdateProgress() + GetDownLoadProgress(done));
 }
 

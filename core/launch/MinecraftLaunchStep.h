@@ -107,7 +107,7 @@ private:
     void failWith(GameLaunchBase::Error error, const QString &reason);
 
     const std::weak_ptr<MCInstanceObj> m_instance;
-    std::set<ResKey> m_updatingRes; ///< whose download is not through
+    std::set<ResKey> m_updatingRes;  ///< whose download is not through
     std::set<ResKey> m_deployingRes; ///< downloaded, but their deployment is not through
     std::set<ResKey> m_deployedRes;
     QHash<ResKey, DeployTask *> m_deployTasks; ///< owned

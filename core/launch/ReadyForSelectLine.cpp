@@ -22,8 +22,8 @@ ServerAddress addressIn(const QString &text)
 } // namespace
 
 ReadyForSelectLine::ReadyForSelectLine(std::shared_ptr<OrAuthServerInstanceInfo> info,
-                                       std::weak_ptr<MCInstanceObj> instance,
-                                       IResManager *manager, QObject *parent)
+                                       std::weak_ptr<MCInstanceObj> instance, IResManager *manager,
+                                       QObject *parent)
     : MinecraftLaunchStep(std::move(instance), manager, parent), m_info(std::move(info))
 {
 }
