@@ -5,8 +5,8 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QTemporaryDir>
-#include <QTimer>
 
+#include "bench/LoopPulse.h"
 #include "core/resources/LocalResLoadTask.h"
 #include "support/jsonfskit/FS.h"
 
@@ -23,24 +23,17 @@ int main(int argc, char **argv)
             return EXIT_FAILURE;
     }
 
-    // Fires on every turn that has the time for it.
-    QTimer pulse;
-    QElapsedTimer sincePulse, total;
-    qint64 longestPauseNs = 0;
-    QObject::connect(&pulse, &QTimer::timeout, [&] {
-        longestPauseNs = qMax(longestPauseNs, sincePulse.nsecsElapsed());
-        sincePulse.start();
-    });
+    LoopPulse pulse;
+    QElapsedTimer total;
     LocalResLoadTask task(base.path());
     int found = 0;
     QObject::connect(&task, &LocalResLoadTask::oneResLoaded, [&] { ++found; });
     QObject::connect(&task, &TaskAbstract::finished, &app, &QCoreApplication::quit);
-    pulse.start(0);
-    sincePulse.start();
+    pulse.start();
     total.start();
     task.start();
     QCoreApplication::exec();
     std::printf("%d of %d files found in %lld ms, longest turn of the event loop %.1f ms\n", found,
-                files, total.elapsed(), double(longestPauseNs) / 1e6);
+                files, total.elapsed(), pulse.longestTurnMs());
     return found == files ? EXIT_SUCCESS : EXIT_FAILURE;
 }

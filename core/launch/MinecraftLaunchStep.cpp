@@ -18,6 +18,11 @@ namespace {
 constexpr double bytesPerMiB = 1024.0 * 1024.0;
 constexpr quint32 downloadedPercent = 85;
 
+quint64 keyOf(const ResInfo &info)
+{
+    return ResourceKey::pack(info.resId(), info.resType());
+}
+
 /// Maps bytes onto 0 to @p top by the logarithm of their MiB.
 quint32 logarithmicShare(quint64 bytes, quint32 top, double factor)
 {
@@ -155,8 +160,15 @@ void MinecraftLaunchStep::connectToSlots(std::shared_ptr<ResObj> object)
 {
     if (!object)
         return;
-    connect(object.get(), &ResObj::installStatusChanged, this,
-            &MinecraftLaunchStep::onTaskUpdateStatusChanged, Qt::UniqueConnection);
+    Followed &followed = m_followed[keyOf(*object)];
+    if (followed.object != object.get() || !followed.statusConnection) {
+        followed.object = object.get();
+        followed.statusConnection = connect(
+            object.get(), &ResObj::installStatusChanged, this,
+            [this, source = object.get()](uint oldStatus, uint newStatus) {
+                signalledBy(source, [&] { onTaskUpdateStatusChanged(oldStatus, newStatus); });
+            });
+    }
     connect(object.get(), &ResObj::dlSpeedUpdated, this,
             &MinecraftLaunchStep::onTaskDownloadProgress, Qt::UniqueConnection);
     ensureDeployTask(*object);
@@ -164,7 +176,7 @@ void MinecraftLaunchStep::connectToSlots(std::shared_ptr<ResObj> object)
 
 void MinecraftLaunchStep::ensureDeployTask(ResObj &object)
 {
-    const ResKey key = ResourceKey::pack(object.resId(), object.resType());
+    const ResKey key = keyOf(object);
     const auto instance = m_instance.lock();
     if (m_deployTasks.contains(key) || !instance)
         return;
@@ -172,16 +184,28 @@ void MinecraftLaunchStep::ensureDeployTask(ResObj &object)
     if (!task)
         return;
     m_deployTasks.insert(key, task);
-    connect(task, &TaskAbstract::finished, this, &MinecraftLaunchStep::onTaskExtractFinished,
-            Qt::UniqueConnection);
-    connect(task, &TaskAbstract::progress, this, &MinecraftLaunchStep::onTaskExtractProgress,
-            Qt::UniqueConnection);
+    connect(task, &TaskAbstract::finished, this,
+            [this, task] { signalledBy(task, [this] { onTaskExtractFinished(); }); });
+    connect(task, &TaskAbstract::progress, this, [this, task](quint64 done, quint64 total) {
+        signalledBy(task, [&] { onTaskExtractProgress(done, total); });
+    });
+}
+
+/// sender() looks through all connections to this object: too many where thousands are followed.
+void MinecraftLaunchStep::signalledBy(QObject *source, const std::function<void()> &slot)
+{
+    const QPointer<MinecraftLaunchStep> self(this);
+    QObject *const outer = std::exchange(m_source, source);
+    slot();
+    if (self)
+        m_source = outer;
 }
 
 void MinecraftLaunchStep::disConnectUpdateCallbacks()
 {
     for (const std::set<ResKey> *keys : {&m_updatingRes, &m_deployingRes}) {
         for (const ResKey key : *keys) {
+            m_followed.remove(key);
             if (const auto object = knownRes(key))
                 object->disconnect(this);
         }
@@ -197,7 +221,7 @@ std::shared_ptr<ResObj> MinecraftLaunchStep::knownRes(ResKey key) const
 
 void MinecraftLaunchStep::onTaskUpdateStatusChanged(quint32, quint32 newStatus)
 {
-    auto *object = qobject_cast<ResObj *>(sender());
+    auto *object = qobject_cast<ResObj *>(m_source);
     if (!object)
         return;
     switch (newStatus) {
@@ -223,9 +247,8 @@ void MinecraftLaunchStep::onTaskUpdateStatusChanged(quint32, quint32 newStatus)
 
 void MinecraftLaunchStep::onResourceDone(ResObj &object)
 {
-    const ResKey key = ResourceKey::pack(object.resId(), object.resType());
-    disconnect(&object, &ResObj::installStatusChanged, this,
-               &MinecraftLaunchStep::onTaskUpdateStatusChanged);
+    const ResKey key = keyOf(object);
+    disconnect(m_followed.take(key).statusConnection);
     addDependencies(object);
     m_deployingRes.insert(key);
     m_updatingRes.erase(key);
@@ -237,7 +260,7 @@ void MinecraftLaunchStep::onResourceDone(ResObj &object)
 
 void MinecraftLaunchStep::addDependencies(const ResObj &object)
 {
-    const ResKey own = ResourceKey::pack(object.resId(), object.resType());
+    const ResKey own = keyOf(object);
     if (m_expandedRes.contains(own))
         return;
     m_expandedRes.insert(own);
@@ -305,9 +328,9 @@ void MinecraftLaunchStep::onTaskDownloadProgress(quint64)
 }
 
 /// The task that sent the signal, if it works for @p instance.
-DeployTask *MinecraftLaunchStep::deployTaskOf(MCInstanceObj &instance, QObject *sender)
+DeployTask *MinecraftLaunchStep::signallingTask(MCInstanceObj &instance) const
 {
-    auto *task = qobject_cast<DeployTask *>(sender);
+    auto *task = qobject_cast<DeployTask *>(m_source);
     if (!task)
         return nullptr;
     const quint64 expected = instance.instanceId();
@@ -323,7 +346,7 @@ DeployTask *MinecraftLaunchStep::deployTaskOf(MCInstanceObj &instance, QObject *
 void MinecraftLaunchStep::onTaskExtractProgress(quint64 bytesUnZip, quint64 bytesTotal)
 {
     const auto instance = m_instance.lock();
-    if (!m_manager || !instance || !deployTaskOf(*instance, sender()) || !isRunning())
+    if (!m_manager || !instance || !signallingTask(*instance) || !isRunning())
         return;
     const double percent = bytesTotal > 0 ? double(bytesUnZip) * 100 / double(bytesTotal) : 0;
     setStatus(tr("left file number: %1<br/>").arg(m_deployingRes.size()) %
@@ -334,7 +357,7 @@ void MinecraftLaunchStep::onTaskExtractProgress(quint64 bytesUnZip, quint64 byte
 void MinecraftLaunchStep::onTaskExtractFinished()
 {
     const auto instance = m_instance.lock();
-    DeployTask *task = instance ? deployTaskOf(*instance, sender()) : nullptr;
+    DeployTask *task = instance ? signallingTask(*instance) : nullptr;
     if (!task)
         return;
     const bool isGood = task->successful();

@@ -1,20 +1,22 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <set>
 
 #include <QHash>
+#include <QPointer>
 #include <QSet>
 
 #include "base/RivetCoreExport.h"
 #include "core/foundation/ResourceKey.h"
 #include "core/launch/GameLaunchBase.h"
+#include "core/resources/ResObj.h"
 
 class DeployTask;
 class IResManager;
 class MCInstanceObj;
 class QJsonObject;
-class ResObj;
 
 /// Base of the steps of a launch that make resources ready: it follows their downloads, adds their
 /// dependencies as they appear, and then deploys them all into the instance.
@@ -101,7 +103,8 @@ private:
     void startDeployments();
     void ensureDeployTask(ResObj &object);
     std::shared_ptr<ResObj> knownRes(ResKey key) const;
-    static DeployTask *deployTaskOf(MCInstanceObj &instance, QObject *sender);
+    DeployTask *signallingTask(MCInstanceObj &instance) const;
+    void signalledBy(QObject *source, const std::function<void()> &slot);
     void forgetDeployTask(DeployTask &task);
     void takeBackWaitingDeployments();
     void failWith(GameLaunchBase::Error error, const QString &reason);
@@ -113,6 +116,13 @@ private:
     QHash<ResKey, DeployTask *> m_deployTasks; ///< owned
     IResManager *const m_manager;
 
+    struct Followed
+    {
+        QPointer<ResObj> object;
+        QMetaObject::Connection statusConnection;
+    };
+    QHash<ResKey, Followed> m_followed;
+    QObject *m_source = nullptr;       ///< of the signal that is being handled
     QSet<DeployTask *> m_startedTasks; ///< of m_deployTasks: those that the pool has
     QSet<ResKey> m_expandedRes;        ///< whose dependencies have been added, so that circles end
     quint64 m_deployedBytes = 0;       ///< of m_deployedRes

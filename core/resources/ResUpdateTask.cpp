@@ -11,6 +11,7 @@
 #include "core/foundation/CachedAnswer.h"
 #include "core/foundation/Environment.h"
 #include "core/resources/GameClientListInfo.h"
+#include "core/resources/RequestGate.h"
 #include "core/resources/ResDownload.h"
 #include "core/resources/ResDownloadMgr.h"
 #include "core/resources/ResInfo.h"
@@ -68,7 +69,7 @@ void ResUpdateTask::onTaskRun()
 
 void ResUpdateTask::updateResInfoFromNet()
 {
-    if (m_updateStatus == UpdatedFromRemote || m_reply)
+    if (m_updateStatus == UpdatedFromRemote || m_reply || m_isQueued)
         return;
     changeStatus(ResInstallUpdating);
     if (m_type == ResTypeGame)
@@ -91,9 +92,14 @@ void ResUpdateTask::askForGameClient()
 
 void ResUpdateTask::askForRecord()
 {
-    const QString url = QString::fromUtf8(g_resInfo_url).arg(m_id);
-    m_reply = m_manager->get(QNetworkRequest(QUrl(url)));
-    connect(m_reply, &QNetworkReply::finished, this, &ResUpdateTask::onUpdateResInfoFinished);
+    m_isQueued = true;
+    RequestGate::GetInstance()->enqueue(this, [this] {
+        m_isQueued = false;
+        const QString url = QString::fromUtf8(g_resInfo_url).arg(m_id);
+        m_reply = m_manager->get(QNetworkRequest(QUrl(url)));
+        connect(m_reply, &QNetworkReply::finished, this, &ResUpdateTask::onUpdateResInfoFinished);
+        return m_reply;
+    });
 }
 
 void ResUpdateTask::onUpdateGameListInfoFinished()
@@ -122,9 +128,15 @@ void ResUpdateTask::onUpdateResInfoFinished()
     }
     if (reply->error() == QNetworkReply::NoError)
         takeRecord(*reply);
-    else if (m_installStatus != ResInstallIdle)
-        Log::critical(QLatin1String("updateResInfo failed with err:") % reply->errorString());
+    else
+        complainOfRefresh(reply->errorString());
     goOnWithDownload();
+}
+
+void ResUpdateTask::complainOfRefresh(const QString &error)
+{
+    if (m_installStatus != ResInstallIdle)
+        Log::critical(QLatin1String("updateResInfo failed with err:") % error);
 }
 
 void ResUpdateTask::takeRecord(QNetworkReply &reply)
@@ -149,6 +161,7 @@ void ResUpdateTask::startDownload()
         changeStatus(ResInstallFailed);
         return;
     }
+    m_download.reset(); // somebody else may have redirected it
     const auto instance = download();
     connect(instance.get(), &ResDownload::dlStatuschanged, this, &ResUpdateTask::onDLStatuschanged,
             Qt::UniqueConnection);
@@ -160,11 +173,17 @@ void ResUpdateTask::startDownload()
 }
 
 /// The one transfer of the resource; its next start fetches what the record names now.
-std::shared_ptr<ResDownload> ResUpdateTask::download() const
+std::shared_ptr<ResDownload> ResUpdateTask::download()
 {
-    return m_resInfo ? ResDownloadMgr::GetInstance()->resDownloadInstance(
-                           m_id, m_type, QUrl(m_resInfo->downloadUrl()))
-                     : nullptr;
+    if (!m_resInfo)
+        return nullptr;
+    // A step asks each of its resources for sizes again and again.
+    if (!m_download || m_downloadUrl != m_resInfo->downloadUrl()) {
+        m_downloadUrl = m_resInfo->downloadUrl();
+        m_download =
+            ResDownloadMgr::GetInstance()->resDownloadInstance(m_id, m_type, QUrl(m_downloadUrl));
+    }
+    return m_download;
 }
 
 void ResUpdateTask::onDLStatuschanged(uint, uint newStatus)
@@ -204,12 +223,24 @@ void ResUpdateTask::stop()
                           .arg(m_id)
                           .arg(m_type));
     // A receiver of the signals may delete this task.
-    const QPointer<QNetworkReply> reply(m_reply);
+    const QPointer<ResUpdateTask> self(this);
     if (ReleaseRef() == 0)
         stopDownload();
-    // Its end is told at once, and goes on with the download if somebody else still waits for it.
-    if (reply)
-        reply->abort();
+    if (self)
+        abortRefresh();
+}
+
+/// The download goes on with the record at hand if somebody else still waits for it.
+void ResUpdateTask::abortRefresh()
+{
+    if (m_reply) {
+        m_reply->abort(); // tells its end at once
+    } else if (m_isQueued) {
+        m_isQueued = false;
+        RequestGate::GetInstance()->withdraw(this);
+        complainOfRefresh(tr("Operation canceled"));
+        goOnWithDownload();
+    }
 }
 
 void ResUpdateTask::stopDownload()
@@ -257,7 +288,7 @@ quint64 ResUpdateTask::dlDownloadSize()
     return instance ? instance->GetCurDownloadedSize() : 1;
 }
 
-std::shared_ptr<ResDownload> ResUpdateTask::downloadOrComplain() const
+std::shared_ptr<ResDownload> ResUpdateTask::downloadOrComplain()
 {
     if (!m_resInfo)
         Log::critical(QStringLiteral("resInfo null pointer, unexpected error."));
