@@ -11,6 +11,9 @@ namespace {
 
 /// Shorter files are fetched again as a whole, which spares them a write of the state file.
 constexpr qint64 leastResumedBytes = 256 * 1024;
+/// Of one write. From larger ones the system makes large blocks of its cache, out of memory that
+/// nothing has used lately, which on a virtual machine costs several times the copying itself.
+constexpr qint64 writtenAtOnceBytes = 64 * 1024;
 
 QString partPathOf(const QString &filePath)
 {
@@ -114,7 +117,7 @@ bool LocalCopy::append(const char *data, qint64 size)
 {
     qint64 done = 0;
     while (done < size) {
-        const qint64 written = m_part.write(data + done, size - done);
+        const qint64 written = m_part.write(data + done, qMin(size - done, writtenAtOnceBytes));
         if (written <= 0)
             return complain("cannot write ");
         done += written;
