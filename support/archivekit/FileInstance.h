@@ -18,7 +18,8 @@ class Extraction;
 /// Archives count as hostile. The archive is unpacked as a whole or not at all: when one entry is
 /// refused or damaged, or the disk has no room, a line on the log names it and the folder is as it
 /// was before. Until the end everything lies in a folder inside the target whose name begins
-/// with ".rivet-unpack-"; only a killed process leaves one behind.
+/// with ".rivet-unpack-"; only a killed process leaves one behind, which the next run in that
+/// folder clears away.
 ///
 /// Refused, on every system alike: names that are absolute, climb out by "..", hold a backslash, a
 /// colon, control or wildcard characters, end a part with a dot or a blank, or name a device; two
