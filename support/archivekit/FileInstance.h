@@ -25,7 +25,7 @@ class Extraction;
 /// colon, control or wildcard characters, end a part with a dot or a blank, or name a device; two
 /// entries of one name, or whose names, or the folders above them, differ by case alone; links
 /// (also those that stay inside) and special files; encrypted entries; sizes and checksums that are
-/// not as announced (gzip's own checksum is not looked at); more than 200,000 entries. Times and
+/// not as announced; more than 200,000 entries. Times and
 /// owners are not kept, nor are mode bits other than the executable one.
 ///
 /// Lives on any one thread with an event loop; a local QEventLoop on a pool thread will do. The

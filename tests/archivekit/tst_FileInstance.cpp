@@ -186,6 +186,9 @@ private Q_SLOTS:
         refuses(tarOf({good, {"huge", "x", 0100644, 0, 0, 4000}}), "huge",
                 "the archive does not fit");
         refuses(tarOf({good, {"cut", QByteArray(9999, 'x')}}).left(4000), "cut");
+        QByteArray changed = archiveOf("paxr gzip", {good, {"noise", noise()}});
+        changed.data()[700000] ^= 1;
+        refuses(changed);
         refuses(archiveOf("ustar gzip", Items(200001, {"many/", "", 040755})), "many/");
         refuses(zipOf({good, {""}}), "", "name is empty");
         refuses(zipOf({good}).chopped(9));
