@@ -135,7 +135,7 @@ private:
             return;
         m_left = -1;
         m_pause.stop();
-        if (has("cut") || has("noLength")) {
+        if (has("cut") || (has("noLength") && !has("stall"))) {
             later([this] { m_socket.disconnectFromHost(); });
         } else if (!has("stall")) {
             m_isAnswering = false;

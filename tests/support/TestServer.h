@@ -21,7 +21,7 @@
 ///     stall=N      says nothing more after N bytes of the body
 ///     mute         says nothing at all
 ///     claim=N      what Content-Length says, whatever the body is
-///     noLength     says no length, and closes at the end
+///     noLength     says no length, and closes at the end, unless it stalls there
 ///     ignoreRange  knows no ranges
 ///     trickle=N    sends N bytes, then pauses for
 ///     pause=N      so many milliseconds, or one
