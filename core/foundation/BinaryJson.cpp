@@ -16,9 +16,14 @@ std::optional<QJsonObject> readFile(const QString &path)
     return document.isObject() ? std::optional<QJsonObject>(document.object()) : std::nullopt;
 }
 
+QByteArray bytesOf(const QJsonObject &object)
+{
+    return QJsonDocument(object).toBinaryData();
+}
+
 bool writeFile(const QString &path, const QJsonObject &object)
 {
-    return FS::writeFile(path, QJsonDocument(object).toBinaryData());
+    return FS::writeFile(path, bytesOf(object));
 }
 
 } // namespace BinaryJson

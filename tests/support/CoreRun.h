@@ -1,0 +1,50 @@
+#pragma once
+
+#include <memory>
+
+#include <QTemporaryDir>
+
+#include "base/RivetCoreAtExitManagerUtil.h"
+#include "platform/LocalAppData.h"
+#include "support/coresupport/ServiceUrls.h"
+#include "tests/support/TestServer.h"
+
+/// The core with a local data directory and a service of its own, for as long as it lives.
+struct CoreRun final : platform::LocalAppData
+{
+    /// @p place is the user's local application data; a fresh folder if it is empty.
+    explicit CoreRun(const QString &place = {}) : root(place.isEmpty() ? folder.path() : place)
+    {
+        replace(this);
+        ServiceUrls::setBaseAddress(server.url("").toString());
+        restart();
+    }
+    ~CoreRun() override
+    {
+        core.reset();
+        replace(nullptr);
+    }
+    QString directory() const override { return root; }
+    QString file(const QString &name) const { return root + "/oriel/rivet/" + name; }
+    /// Ends all singletons, which write their files, and starts afresh.
+    void restart()
+    {
+        core.reset();
+        core = std::make_unique<RivetCoreAtExitManagerUtil>();
+    }
+    /// The paths and queries asked for that begin with @p path.
+    QStringList asked(const QString &path) const
+    {
+        QStringList paths;
+        for (const TestServer::Request &request : server.requests()) {
+            if (request.path.startsWith(path))
+                paths << request.path;
+        }
+        return paths;
+    }
+
+    const QTemporaryDir folder;
+    const QString root;
+    TestServer server;
+    std::unique_ptr<RivetCoreAtExitManagerUtil> core;
+};
