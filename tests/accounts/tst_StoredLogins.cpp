@@ -221,9 +221,19 @@ private Q_SLOTS:
             environment.insert("RIVET_TEST_SAVES", run.folder.path());
             saver.setProcessEnvironment(environment);
             saver.start(QCoreApplication::applicationFilePath(), {"killedWhileItSaves"});
+            // The first saves tell how long one takes; each kill comes at another part of a later
+            // one.
+            QElapsedTimer clock;
             QByteArray said;
-            while (said.count("saved") < 3 + kill % 4 && saver.waitForReadyRead())
-                said += saver.readAll();
+            for (int saves : {1, 3}) {
+                while (said.count("saved") < saves && saver.waitForReadyRead())
+                    said += saver.readAll();
+                if (saves == 1)
+                    clock.start();
+            }
+            const qint64 killAt = clock.nsecsElapsed() / 2 * (2 * killCount + kill) / killCount;
+            while (clock.nsecsElapsed() < killAt) {
+            }
             saver.kill();
             QVERIFY(saver.waitForFinished());
             run.restart();
