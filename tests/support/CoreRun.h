@@ -10,37 +10,26 @@
 #include "tests/support/TestServer.h"
 
 /// The core with a local data directory and a service of its own, for as long as it lives.
-struct CoreRun final : platform::LocalAppData
+struct CoreRun : platform::LocalAppData
 {
-    /// @p place is the user's local application data; a fresh folder if it is empty.
     explicit CoreRun(const QString &place = {}) : root(place.isEmpty() ? folder.path() : place)
     {
         replace(this);
         ServiceUrls::setBaseAddress(server.url("").toString());
         restart();
     }
-    ~CoreRun() override
-    {
-        core.reset();
-        replace(nullptr);
-    }
+    ~CoreRun() override { core.reset(), replace(nullptr); }
     QString directory() const override { return root; }
     QString file(const QString &name) const { return root + "/oriel/rivet/" + name; }
     /// Ends all singletons, which write their files, and starts afresh.
-    void restart()
-    {
-        core.reset();
-        core = std::make_unique<RivetCoreAtExitManagerUtil>();
-    }
-    /// The paths and queries asked for that begin with @p path.
-    QStringList asked(const QString &path) const
+    void restart() { core.reset(), core = std::make_unique<RivetCoreAtExitManagerUtil>(); }
+    /// The paths asked for that hold @p part, with their queries.
+    QStringList asked(const QString &part) const
     {
         QStringList paths;
-        for (const TestServer::Request &request : server.requests()) {
-            if (request.path.startsWith(path))
-                paths << request.path;
-        }
-        return paths;
+        for (const TestServer::Request &request : server.requests())
+            paths << request.path;
+        return paths.filter(part);
     }
 
     const QTemporaryDir folder;
