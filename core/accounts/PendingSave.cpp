@@ -38,9 +38,7 @@ bool writeAll(UserFiles &files, const QJsonObject &save)
 
 QJsonObject directoryOf(const RivetUserList &list)
 {
-    QStringList names = list.users.keys();
-    names.removeAll(QString());
-    return {{QLatin1String("users"), QJsonArray::fromStringList(names)},
+    return {{QLatin1String("users"), QJsonArray::fromStringList(list.users.keys())},
             {QLatin1String("lastLogin"), list.lastLoginUser}};
 }
 
@@ -51,7 +49,7 @@ void begin(const UserFiles &files, const RivetUserList &list, const QStringList 
     for (const QString &name : names) {
         const auto record = list.recordOf(name);
         const auto sealed = record ? RivetUserSLInfoPersistent::Seal(*record) : std::nullopt;
-        if (sealed && !name.isEmpty())
+        if (sealed)
             records[name] = QString::fromLatin1(sealed->toBase64());
     }
     const QJsonObject save{{directoryKey, directoryOf(list)}, {recordsKey, records}};

@@ -54,7 +54,7 @@ void RivetUserLoginInfoHelper::UpdateLoginInfo(const QString &name,
 void RivetUserLoginInfoHelper::ApplyUpdatedLoginInfo(const QString &name)
 {
     const std::shared_ptr<RivetUserSecurityLoginInfo> record = m_pendingRecords.value(name);
-    if (!record)
+    if (!record || name.isEmpty())
         return;
     record->UpdateLastLoginTime();
     const std::shared_ptr<RivetUserList> list = GetRivetUserList();

@@ -29,7 +29,8 @@ public:
 
     /// Parks the record of a login that is under way.
     void UpdateLoginInfo(const QString &name, std::shared_ptr<RivetUserSecurityLoginInfo> info);
-    /// Makes the parked record of @p name permanent: the service has accepted the login.
+    /// Makes the parked record of @p name permanent: the service has accepted the login. An empty
+    /// name is nobody's.
     void ApplyUpdatedLoginInfo(const QString &name);
     /// Reaches the disk only if @p name logs in as well.
     void UpdateAutoLoginInfo(const QString &name, bool autoLogin);

@@ -3,7 +3,6 @@
 
 #include "core/accounts/RivetUserList.h"
 #include "core/accounts/RivetUserLoginInfoHelper.h"
-#include "core/accounts/RivetUserSLInfoPersistent.h"
 #include "core/accounts/RivetUserSecurityLoginInfo.h"
 #include "support/coresupport/QTAes.h"
 #include "tests/support/CoreRun.h"
@@ -12,71 +11,42 @@
 #include "tests/support/Sandbox.h"
 #include "tests/support/TestFiles.h"
 
-#pragma GCC diagnostic ignored "-Wdeprecated-declarations" // the binary form
-
 namespace {
 
-RivetUserLoginInfoHelper *helper()
+struct Logins : CoreRun
 {
-    return RivetUserLoginInfoHelper::GetInstance();
-}
-
-std::shared_ptr<RivetUserSecurityLoginInfo> record(const QString &name)
-{
-    return helper()->GetRivetUserList()->users.value(name);
-}
-
-void logIn(const QString &name, const QByteArray &digest)
-{
-    auto info = std::make_shared<RivetUserSecurityLoginInfo>();
-    info->passwordmd5 = digest.leftJustified(16, '.', true);
-    info->autoLogin = true;
-    helper()->UpdateLoginInfo(name, info);
-    helper()->ApplyUpdatedLoginInfo(name);
-}
-
-QString u(std::initializer_list<ushort> units)
-{
-    return QString(reinterpret_cast<const QChar *>(units.begin()), int(units.size()));
-}
-
-/// A name each, and the folder that it gets; empty where that depends on the system.
-const QPair<QString, QString> names[] = {
-    {"bob", "bob"},
-    {"x@y.z", "x@y.z"},
-    {"שלום", "שלום"},
-    {"😀", "😀"},
-    {".", "%2E"},
-    {"..", ".%2E"},
-    {"../../evil", "..%2F..%2Fevil"},
-    {"..\\evil", "..%5Cevil"},
-    {"/abs", "%2Fabs"},
-    {"C:\\x", "C%3A%5Cx"},
-    {"CON", "%43ON"},
-    {"nul.txt", "%6Eul.txt"},
-    {"com1 ", "%63om1%20"},
-    {"Users.dat", "%55sers.dat"},
-    {"users.dat.pending", "%75sers.dat.pending"},
-    {"x", "x"},
-    {"x.", "x%2E"},
-    {"x ", "x%20"},
-    {" x", " x"},
-    {"x%2E", "x%252E"},
-    {"a*?\"<>|\t", "a%2A%3F%22%3C%3E%7C%09"},
-    {u({'n', 0, 0x9f}), "n%00%C2%9F"},
-    {u({0x202e, 'g', 'n', 'p'}), u({0x202e, 'g', 'n', 'p'})},
-    {u({0xe9}), u({0xe9})},
-    {u({'e', 0x301}), u({'e', 0x301})},
-    {u({0xfeff, 'b'}), "%-"},
-    {u({0xd800}), "%-"},
-    {u({0xd801}), "%-"},
-    {QString(244, 'w'), QString(244, 'w')},
-    {QString(300, 'n'), "%-"},
-    {QString(299, 'n') + 'm', "%-"},
-    {QString(100, 0x4e00), "%-"},
-    {"Bob", ""},
-    {"BOB", ""},
+    using CoreRun::CoreRun;
+    static RivetUserLoginInfoHelper &helper() { return *RivetUserLoginInfoHelper::GetInstance(); }
+    static void logIn(const QString &name, int digest)
+    {
+        auto info = std::make_shared<RivetUserSecurityLoginInfo>();
+        info->passwordmd5 = QByteArray::number(digest).rightJustified(16, '0');
+        info->autoLogin = true;
+        helper().UpdateLoginInfo(name, info);
+        helper().ApplyUpdatedLoginInfo(name);
+    }
+    /// What is stored for @p name: the number, 0 without a record, -1 if nobody knows the name.
+    static int digest(const QString &name)
+    {
+        const auto users = helper().GetRivetUserList()->users;
+        return users.value(name) ? users[name]->passwordmd5.toInt() : users.contains(name) - 1;
+    }
+    /// The same of some users behind the last one, after the next start.
+    QString stored(const char *names)
+    {
+        restart();
+        QString text = helper().GetRivetUserList()->lastLoginUser;
+        for (const QString &name : QString(names).split(' '))
+            text += ' ' + QString::number(digest(name));
+        return text;
+    }
+    QStringList folders() const
+    {
+        return QDir(file("users")).entryList(QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot);
+    }
 };
+
+const bool isWindows = QOperatingSystemVersion::currentType() == QOperatingSystemVersion::Windows;
 
 } // namespace
 
@@ -86,140 +56,132 @@ class tst_StoredLogins : public QObject
 private Q_SLOTS:
     void namesStayApartBelowTheirFolder()
     {
-        CoreRun run;
-        makeFiles(run.folder.path(), {"evil", "oriel/rivet/evil"});
-        int count = 0;
-        for (const auto &[name, folder] : names)
-            logIn(name, QByteArray::number(++count));
-        logIn("", "nobody");
+        // A name and its folder each; "%-" begins a digest.
+        QStringList rows = {QString(244, 'w') + '=' + QString(244, 'w'),
+                            QString(300, 'n') + "=%-",
+                            QString(299, 'n') + "m=%-",
+                            QString(100, 0x4e00) + "=%-",
+                            QString(0xd800) + "=%-",
+                            QString(0xd801) + "=%-",
+                            QString(0xfeff) + "b=%-"};
+        for (const char *row : {"bob=bob",
+                                "x@y.z=x@y.z",
+                                "שלום=שלום",
+                                "😀=😀",
+                                ".=%2E",
+                                "..=.%2E",
+                                "../../evil=..%2F..%2Fevil",
+                                "..\\evil=..%5Cevil",
+                                "/abs=%2Fabs",
+                                "C:\\x=C%3A%5Cx",
+                                "CON=%43ON",
+                                "nul.txt=%6Eul.txt",
+                                "com1 =%63om1%20",
+                                "Users.dat=%55sers.dat",
+                                "users.dat.pending=%75sers.dat.pending",
+                                "x=x",
+                                "x.=x%2E",
+                                "x =x%20",
+                                " x= x",
+                                "x%2E=x%252E",
+                                "a*?\"<>|\t=a%2A%3F%22%3C%3E%7C%09",
+                                "\u0080=%C2%80",
+                                "\u202egnp=\u202egnp",
+                                "\u00e9=\u00e9",
+                                "e\u0301=e\u0301",
+                                isWindows ? "Bob=%42ob" : "Bob=Bob",
+                                "BOB="})
+            rows << row;
+        Logins run;
+        makeFiles(run.root, {"evil", "oriel/rivet/evil"});
+        for (int i = 0; i < rows.size(); ++i)
+            run.logIn(rows[i].section('=', 0, 0), i + 1);
+        run.logIn("", 99);
         run.restart();
-
-        QStringList left = foldersIn(run);
-        QCOMPARE(left.size(), count);
-        for (const auto &[name, folder] : names) {
-            QVERIFY2(record(name), qPrintable(name));
-            QCOMPARE(record(name)->passwordmd5,
-                     QByteArray::number(count - left.size() + 1).leftJustified(16, '.'));
-            helper()->RemoveAccount(name);
-            QStringList before = left;
-            left = foldersIn(run);
-            for (const QString &other : left)
-                before.removeOne(other);
-            QCOMPARE(before.size(), 1);
-            if (!folder.isEmpty())
-                QVERIFY2(folder == "%-" ? before[0].startsWith("%-") : before[0] == folder,
-                         qPrintable(before[0]));
+        for (int i = 0; i < rows.size(); ++i) {
+            const QString name = rows[i].section('=', 0, 0), folder = rows[i].section('=', 1);
+            QVERIFY2(run.digest(name) == i + 1, qPrintable(name));
+            QStringList gone = run.folders();
+            QCOMPARE(gone.size(), rows.size() - i);
+            run.helper().RemoveAccount(name);
+            for (const QString &other : run.folders())
+                gone.removeOne(other);
+            QVERIFY2(gone.size() == 1 && gone[0].startsWith(folder), qPrintable(gone.join(' ')));
         }
-        helper()->RemoveAccount("");
         run.restart();
-        QCOMPARE(treeOf(run.folder.path()).section('=', 0, 0),
-                 "evil oriel oriel/rivet oriel/rivet/evil oriel/rivet/users "
-                 "oriel/rivet/users/users.dat");
-    }
-
-    void filesHaveTheirForm()
-    {
-        CoreRun run;
-        logIn("bob", QByteArray::fromHex("5ebe2294ecd0e0f08eab7690d2a6ee69"));
-        record("bob")->lastLoginTime = 0x1122334455;
-        run.restart();
-        for (const char *name : {"users", "users/users.dat", "users/bob", "users/bob/bob.dat"})
-            QVERIFY2(isWindows() || !(QFile::permissions(run.file(name)) & 0x77), name);
-        QCOMPARE(directoryIn(run), R"({"lastLogin":"bob","users":["bob"]})");
-
-        QByteArray plain, sealed = FS::readFile(run.file("users/bob/bob.dat")).value();
-        QVERIFY(QTAes::DecryptByteArrayByCpuid(sealed, plain));
-        const QByteArray fields = "5ebe2294ecd0e0f08eab7690d2a6ee69554433221100000000000000";
-        QCOMPARE(plain.toHex(), "10000000" + fields + "01000000");
-        // A length of the digest and what stands behind it; can it be read?
-        const QPair<QByteArray, bool> rows[] = {{"10000000" + fields + "00000000", true},
-                                                {"10000000" + fields, false},
-                                                {"0c000000" + fields + "01000000", false},
-                                                {"ffffffff" + fields + "01000000", false},
-                                                {"", false}};
-        for (const auto &[hex, isGood] : rows) {
-            QTAes::EncryptByteArrayByCpuid(QByteArray::fromHex(hex), sealed);
-            QVERIFY(FS::writeFile(run.file("users/bob/bob.dat"), sealed));
-            run.restart();
-            QVERIFY2(bool(record("bob")) == isGood, hex);
-        }
-        helper()->UpdateAutoLoginInfo("bob", true);
-        run.restart();
-        const QVariantMap list = helper()->getHistoricalLoginUserList();
-        QCOMPARE(QJsonDocument::fromVariant(list).toJson(QJsonDocument::Compact),
-                 R"({"lastLoginUser":"bob","userInfos":[{"loginInfo":{},"userName":"bob"}]})");
-        QVERIFY2(FS::readFile(run.file("users/bob/bob.dat")) == sealed, "still there");
+        QVERIFY(treeOf(run.root).startsWith("evil oriel oriel/rivet oriel/rivet/evil "
+                                            "oriel/rivet/users oriel/rivet/users/users.dat="));
     }
 
     void whatIsSaved()
     {
-        CoreRun run;
-        logIn("a", "1");
-        logIn("b", "2");
-        run.restart();
-        logIn("c", "3");
-        logIn("c", "4");
-        logIn("gone", "5");
-        helper()->UpdateLoginInfo("b", std::make_shared<RivetUserSecurityLoginInfo>());
-        helper()->RemoveAccount("gone");
-        helper()->UpdateAutoLoginInfo("nobody", true);
-        run.restart();
-        QVERIFY(helper()->GetRivetUserList()->users.size() == 3 && record("b") && record("a"));
-        QCOMPARE(record("c")->passwordmd5.left(2), "4.");
-        {
-            const FakeMachine other;
-            run.restart();
-            QVERIFY2(helper()->GetRivetUserList()->users.size() == 3 && !record("a"), "a copy");
-        }
-        run.restart();
-        helper()->RemoveAccount("a");
-        QCOMPARE(treeOf(run.file("users")).count("a.dat"), 0);
-        run.restart();
-        QVERIFY(!record("a") && helper()->GetRivetUserList()->lastLoginUser == "gone");
-        for (const char *name : {"b", "c"})
-            helper()->RemoveAccount(name);
-        run.restart();
-        QCOMPARE(directoryIn(run), R"({"lastLogin":"gone","users":[]})");
-        QCOMPARE(helper()->GetRivetUserList()->lastLoginUser, "");
-    }
-
-    void saysWhatItCanNotSave()
-    {
-        CoreRun run;
+        Logins run;
         const LogCapture log;
         makeFiles(run.file("users"), {"bad"});
-        logIn("bad", "1");
-        logIn("good", "2");
+        for (const char *name : {"a", "bad", "b"})
+            run.logIn(name, 1);
+        QCOMPARE(run.stored("a b bad"), "b 1 1 0");
+        QVERIFY(log.has(QtCriticalMsg, "open file " + run.file("users/bad/bad.dat") + " failed"));
         run.restart();
-        QCOMPARE(log.lines().join('|'), "open file " + run.file("users/bad/bad.dat") + " failed");
-        QVERIFY(record("good") && !record("bad"));
+        run.logIn("b", 2);
+        run.logIn("b", 3);
+        run.logIn("gone", 4);
+        run.helper().RemoveAccount("gone");
+        run.helper().UpdateLoginInfo("a", std::make_shared<RivetUserSecurityLoginInfo>());
+        QCOMPARE(run.stored("a b bad gone"), "gone 1 3 0 -1");
+        const QByteArray list =
+            QJsonDocument::fromVariant(run.helper().getHistoricalLoginUserList())
+                .toJson(QJsonDocument::Compact);
+        QVERIFY(list.contains(R"({"loginInfo":{},"userName":"bad"})") &&
+                list.contains(R"("savePassword":false},"userName":"a"})"));
+        {
+            const FakeMachine other;
+            QCOMPARE(run.stored("a b"), "gone 0 0");
+            run.helper().UpdateAutoLoginInfo("a", true);
+        }
+        run.restart();
+        run.helper().RemoveAccount("a");
+        QCOMPARE(run.stored("a b"), "gone -1 3");
+
+        const QString file = run.file("users/b/b.dat");
+        for (const QString &path :
+             {run.file("users"), run.file("users/users.dat"), run.file("users/b"), file})
+            QVERIFY2(isWindows || !(QFile::permissions(path) & 0x77), qPrintable(path));
+        QByteArray plain, sealed;
+        QVERIFY(QTAes::DecryptByteArrayByCpuid(FS::readFile(file).value(), plain));
+        QCOMPARE(plain.left(20) + plain.mid(28), QByteArray("\x10\0\0\0"
+                                                            "0000000000000003"
+                                                            "\0\0\0\0"
+                                                            "\1\0\0\0",
+                                                            28));
+        QTAes::EncryptByteArrayByCpuid(plain.replace(0, 1, "\x0c"), sealed);
+        QVERIFY(FS::writeFile(file, sealed));
+        QCOMPARE(run.stored("b"), "gone 0");
+
         QVERIFY(QFile::remove(run.file("users/users.dat")));
         makeFiles(run.file("users/users.dat"), {"in the way"});
-        logIn("new", "3");
-        run.restart();
-        QVERIFY(log.has(QtWarningMsg, "open users data file failed!!"));
-        QCOMPARE(treeOf(run.file("users")).count("new"), 0);
-        QVERIFY(!treeOf(run.file("users")).contains("pending"));
+        run.logIn("new", 5);
+        QCOMPARE(run.stored("new"), " -1");
+        QVERIFY(log.has(QtWarningMsg, "open users data file failed!!") &&
+                FS::readFile(file) == sealed);
+        QCOMPARE(run.folders().join(' '), "b users.dat");
     }
 
-    /// Saves again and again until somebody kills it.
+    /// Saves again and again in a process of its own, until somebody kills it.
     void killedWhileItSaves()
     {
+        constexpr int killCount = 20;
         const QString folder = qEnvironmentVariable("RIVET_TEST_SAVES");
-        CoreRun run(folder);
+        Logins run(folder);
         for (int round = 1; !folder.isEmpty(); ++round) {
             for (int user = 0; user < 5; ++user)
-                logIn(QString::number((round + user) % 5), QByteArray::number(round));
+                run.logIn(QString::number((round + user) % 5), round);
             run.restart();
-            puts("saved");
-            fflush(stdout);
+            puts("saved"), fflush(stdout);
         }
-
+        qputenv("RIVET_TEST_SAVES", run.root.toLocal8Bit());
         for (int kill = 0; kill < killCount; ++kill) {
             QProcess saver;
-            auto environment = QProcessEnvironment::systemEnvironment();
-            environment.insert("RIVET_TEST_SAVES", run.folder.path());
-            saver.setProcessEnvironment(environment);
             saver.start(QCoreApplication::applicationFilePath(), {"killedWhileItSaves"});
             // The first saves tell how long one takes; each kill comes at another part of a later
             // one.
@@ -237,34 +199,10 @@ private Q_SLOTS:
             saver.kill();
             QVERIFY(saver.waitForFinished());
             run.restart();
-            const auto list = helper()->GetRivetUserList();
-            QCOMPARE(list->users.size(), 5);
-            const QByteArray round = record("0") ? record("0")->passwordmd5 : "";
-            for (int user = 0; user < 5; ++user)
-                QVERIFY(record(QString::number(user)) &&
-                        record(QString::number(user))->passwordmd5 == round);
-            const int last = (QByteArray(round).replace('.', "").toInt() + 4) % 5;
-            QCOMPARE(list->lastLoginUser, QString::number(last));
+            const int round = run.digest("0");
+            const QString all = QString(" %1").arg(round).repeated(5);
+            QCOMPARE(run.stored("0 1 2 3 4"), QString::number((round + 4) % 5) + all);
         }
-    }
-
-private:
-    static constexpr int killCount = 20;
-
-    static QStringList foldersIn(const CoreRun &run)
-    {
-        return QDir(run.file("users")).entryList(QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot);
-    }
-
-    static QByteArray directoryIn(const CoreRun &run)
-    {
-        const QByteArray bytes = FS::readFile(run.file("users/users.dat")).value_or("");
-        return QJsonDocument::fromBinaryData(bytes).toJson(QJsonDocument::Compact);
-    }
-
-    static bool isWindows()
-    {
-        return QOperatingSystemVersion::currentType() == QOperatingSystemVersion::Windows;
     }
 };
 
