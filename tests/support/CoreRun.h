@@ -7,9 +7,13 @@
 #include "base/RivetCoreAtExitManagerUtil.h"
 #include "platform/LocalAppData.h"
 #include "support/coresupport/ServiceUrls.h"
+#include "tests/support/Await.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/Sandbox.h"
 #include "tests/support/TestServer.h"
 
-/// The core with a local data directory and a service of its own, for as long as it lives.
+/// The core with a local data directory and a service of its own, for as long as it lives. For
+/// tests in a sandbox.
 struct CoreRun : platform::LocalAppData
 {
     explicit CoreRun(const QString &place = {}) : root(place.isEmpty() ? folder.path() : place)
