@@ -176,19 +176,20 @@ private Q_SLOTS:
     {
         DepHistoryFlatFile history;
         history.init(m_file);
-        QVector<quint64> keys(2000);
-        std::iota(keys.begin(), keys.end(), 1);
+        history.insertRecord(m_folder, 1, {"a"}, {}, false);
+        QVector<quint64> keys(30000);
+        std::iota(keys.begin(), keys.end(), 2);
         QThreadPool::globalInstance()->setMaxThreadCount(16);
         QtConcurrent::blockingMap(keys, [&](quint64 key) {
             DeployRecordItem item;
-            history.insertRecord(m_folder, key, {"a"}, {}, key % 100 == 0);
-            if (!history.queryRecord(m_folder, key, item))
+            history.insertRecord(m_folder, key, {}, {}, key % 5000 == 0);
+            if (!history.queryRecord(m_folder, key, item) || history.deleteRecord("x", key, true))
                 qFatal("a record is gone");
         });
-        QCOMPARE(history.getDeployResInDeployFolder(m_folder).size(), 2000);
+        QCOMPARE(history.getDeployResInDeployFolder(m_folder).size(), 30001);
         DepHistoryFlatFile saved;
         saved.init(m_file);
-        QVERIFY(saved.getDeployResInDeployFolder(m_folder).contains(2000));
+        QCOMPARE(saved.getDeployResInDeployFolder(m_folder), QList<quint64>{1});
     }
 
 private:
