@@ -30,8 +30,7 @@ private Q_SLOTS:
         m_dir = std::make_unique<QTemporaryDir>();
         m_folder = m_dir->filePath("game");
         m_file = m_dir->filePath("deploy.cache");
-        makeFiles(m_folder,
-                  {"a", "b/\u4e2d", "a:b", "a|b", "b|c", "c", "empty=", "x.JAR", "y.json"});
+        makeFiles(m_folder, {"a", "b/\u4e2d", "c", "empty=", "x.JAR", "y.json"});
         makeFiles(m_dir->path(), {"outside", "other/d"});
     }
 
@@ -107,6 +106,9 @@ private Q_SLOTS:
 
     void namesThatTheFormCanNotHoldClaimNoOtherFiles()
     {
+        if (QSysInfo::productType() == "windows")
+            QSKIP("there are no such names");
+        makeFiles(m_folder, {"a:b", "a|b", "a:9|c"});
         {
             DepHistoryFlatFile history;
             history.init(m_file);
@@ -117,8 +119,7 @@ private Q_SLOTS:
         }
         DepHistoryFlatFile history;
         history.init(m_file);
-        const bool canBeThere = QFileInfo::exists(m_folder + "/a|b"); // not on Windows
-        QCOMPARE(history.getDeployResInDeployFolder(m_folder).size(), canBeThere ? 1 : 3);
+        QVERIFY(history.getDeployResInDeployFolder(m_folder).isEmpty());
     }
 
     void damagedFilesReadAsEmptyAndStay()
