@@ -1,6 +1,6 @@
 #include "core/deploy/HistoryFile.h"
 
-#include <algorithm>
+#include <numeric>
 
 #include <QDir>
 #include <QFileInfo>
@@ -33,39 +33,52 @@ const QString filesKey = QStringLiteral("deployFiles");
 // 32-bit little-endian words, all offsets from its own start. So it may be copied as it is into
 // another one. The word of a value has its type in the low 3 bits and its offset in the high 27.
 const QByteArray prefix = QByteArrayLiteral("qbjs\1\0\0\0");
-constexpr int headBytes = 12;
-constexpr int sizeAt = 0, countAt = 4, tableAt = 8;
+constexpr int wordBytes = 4;
+constexpr int headBytes = 3 * wordBytes;
+constexpr int sizeAt = 0, tableAt = 2 * wordBytes;
 constexpr quint32 objectType = 5;
 constexpr int offsetShift = 5;
 constexpr qint64 mostBytes = (1 << 27) - 1;
-
-void setWord(QByteArray &bytes, int at, int value)
-{
-    qToLittleEndian(quint32(value), bytes.data() + at);
-}
 
 int wordAt(const QByteArray &bytes, int at)
 {
     return int(qFromLittleEndian<quint32>(bytes.constData() + at));
 }
 
-/// The array of the @p objects, of which none is empty.
-QByteArray arrayOf(const QList<QByteArray> &objects)
+void setWord(QByteArray &bytes, int at, int value)
 {
-    QByteArray array(headBytes, '\0'), table(4 * objects.size(), '\0');
-    int bytes = headBytes;
-    for (int i = 0; i < objects.size(); ++i) {
-        setWord(table, 4 * i, int(quint32(bytes) << offsetShift | objectType));
-        bytes += objects.at(i).size();
+    qToLittleEndian(quint32(value), bytes.data() + at);
+}
+
+void addWord(QByteArray &bytes, int value)
+{
+    const quint32 word = qToLittleEndian(quint32(value));
+    bytes.append(reinterpret_cast<const char *>(&word), sizeof word);
+}
+
+int sizeOfArray(const QList<QByteArray> &objects)
+{
+    return std::accumulate(
+        objects.begin(), objects.end(), headBytes,
+        [](int sum, const QByteArray &object) { return sum + object.size() + wordBytes; });
+}
+
+/// Appends the beginning of the array, whose objects and table are to follow.
+void addArrayHead(QByteArray &bytes, int count, int size)
+{
+    addWord(bytes, size);
+    addWord(bytes, int(quint32(count) << 1));
+    addWord(bytes, size - count * wordBytes);
+}
+
+/// Appends the table of the array that begins at @p start, for objects that end where the next one
+/// begins and have their size in front.
+void addArrayTable(QByteArray &bytes, int start, int count)
+{
+    for (int i = 0, at = headBytes; i < count; ++i) {
+        addWord(bytes, int(quint32(at) << offsetShift | objectType));
+        at += wordAt(bytes, start + at + sizeAt);
     }
-    array.reserve(bytes + table.size());
-    for (const QByteArray &object : objects)
-        array += object;
-    array += table;
-    setWord(array, sizeAt, array.size());
-    setWord(array, countAt, int(quint32(objects.size()) << 1));
-    setWord(array, tableAt, bytes);
-    return array;
 }
 
 QByteArray bytesOf(const QJsonObject &object)
@@ -73,26 +86,36 @@ QByteArray bytesOf(const QJsonObject &object)
     return QJsonDocument(object).toBinaryData().mid(prefix.size());
 }
 
-/// The object of one folder: Qt makes it with an empty array, which is then exchanged.
-QByteArray folderOf(const QString &path, const QList<QByteArray> &records)
+/// One folder of the file: what Qt makes of it with an empty array, and what goes into the array.
+struct Folder
 {
-    QByteArray folder = bytesOf({{pathKey, path}, {itemsKey, QJsonArray()}});
-    if (records.isEmpty())
-        return folder;
-    const int end = wordAt(folder, tableAt);
-    const QByteArray table = folder.mid(end);
-    const QByteArray array = arrayOf(records);
-    folder.truncate(end);
-    folder += array;
-    folder += table;
-    setWord(folder, sizeAt, folder.size());
-    setWord(folder, tableAt, end + array.size());
-    // Members are sorted, so the array is the first one.
-    const int value = wordAt(table, 0);
-    const quint32 type = quint32(wordAt(folder, value)) & ((1u << offsetShift) - 1);
-    setWord(folder, value, int(quint32(end) << offsetShift | type));
-    return folder;
-}
+    QByteArray frame;
+    QList<QByteArray> records;
+
+    int size() const { return frame.size() + (records.isEmpty() ? 0 : sizeOfArray(records)); }
+
+    void addTo(QByteArray &bytes) const
+    {
+        const int start = bytes.size(), count = records.size();
+        bytes += frame;
+        if (records.isEmpty())
+            return;
+        const int end = wordAt(frame, tableAt), arrayStart = start + end;
+        const QByteArray table = frame.mid(end);
+        bytes.truncate(arrayStart);
+        addArrayHead(bytes, count, sizeOfArray(records));
+        for (const QByteArray &record : records)
+            bytes += record;
+        addArrayTable(bytes, arrayStart, count);
+        setWord(bytes, start + tableAt, bytes.size() - start);
+        bytes += table;
+        setWord(bytes, start + sizeAt, bytes.size() - start);
+        // Members are sorted, so the array is the first one.
+        const int value = start + wordAt(table, 0);
+        const quint32 type = quint32(wordAt(bytes, value)) & ((1u << offsetShift) - 1);
+        setWord(bytes, value, int(quint32(end) << offsetShift | type));
+    }
+};
 
 bool canHold(const QString &name)
 {
@@ -160,20 +183,22 @@ QByteArray buildRecord(quint64 resKey, const DeployRecordItem &item)
 
 std::optional<QByteArray> build(const TableOf<QByteArray> &records)
 {
-    qint64 bytes = 0;
-    QList<QByteArray> folders;
+    QVector<Folder> folders;
+    qint64 size = headBytes;
     for (auto it = records.cbegin(); it != records.cend(); ++it) {
-        const QList<QByteArray> inFolder = it->values();
-        for (const QByteArray &record : inFolder)
-            bytes += record.size();
-        if (bytes > mostBytes)
+        folders.append({bytesOf({{pathKey, it.key()}, {itemsKey, QJsonArray()}}), it->values()});
+        size += folders.last().size() + wordBytes;
+        if (size > mostBytes)
             return std::nullopt;
-        folders << folderOf(it.key(), inFolder);
     }
-    const QByteArray root = arrayOf(folders);
-    if (root.size() > mostBytes)
-        return std::nullopt;
-    return prefix + root;
+    QByteArray bytes;
+    bytes.reserve(prefix.size() + int(size));
+    bytes += prefix;
+    addArrayHead(bytes, folders.size(), int(size));
+    for (const Folder &folder : qAsConst(folders))
+        folder.addTo(bytes);
+    addArrayTable(bytes, prefix.size(), folders.size());
+    return bytes;
 }
 
 TableOf<DeployRecordItem> parse(const QByteArray &data)

@@ -51,10 +51,10 @@ void sweep(const QString &deployDir)
     if (deployDir.isEmpty())
         return;
     // The lock comes before its folder and goes after it, so each leftover is in this list.
-    const QStringList names =
-        QDir(deployDir).entryList({QStringLiteral("{*}"), QStringLiteral("{*}.lock")},
-                                  QDir::Dirs | QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot);
-    for (const QString &name : names) {
+    const auto listing =
+        platform::listFolder(platform::toNative(QDir().absoluteFilePath(deployDir)));
+    for (const platform::NativePath &entry : listing.entries) {
+        const QString name = platform::fromNative(entry.filename());
         const QString folder = name.left(nameLength);
         const bool isLock = name.size() > nameLength;
         if (!isName(folder) || (isLock && name.mid(nameLength) != lockEnding))

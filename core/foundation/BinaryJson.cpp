@@ -20,9 +20,14 @@ std::optional<QJsonObject> readFile(const QString &path)
     return parse(FS::readFile(path).value_or(QByteArray()));
 }
 
+QByteArray bytesOf(const QJsonObject &object)
+{
+    return QJsonDocument(object).toBinaryData();
+}
+
 bool writeFile(const QString &path, const QJsonObject &object)
 {
-    return FS::writeFile(path, QJsonDocument(object).toBinaryData());
+    return FS::writeFile(path, bytesOf(object));
 }
 
 } // namespace BinaryJson

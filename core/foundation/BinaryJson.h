@@ -16,6 +16,9 @@ namespace BinaryJson {
 /// The object in the file; nothing if it is missing or not of this form.
 [[nodiscard]] std::optional<QJsonObject> readFile(const QString &path);
 
+/// What such a file holds.
+QByteArray bytesOf(const QJsonObject &object);
+
 /// Replaces the file as a whole; false if it can't be written.
 [[nodiscard]] bool writeFile(const QString &path, const QJsonObject &object);
 

@@ -11,10 +11,10 @@ namespace platform {
 
 struct FileLock::Hold
 {
-    QByteArray path;
-    int file;
-
+    Hold(QByteArray filePath, int descriptor) : path(std::move(filePath)), file(descriptor) {}
     ~Hold() { close(file); }
+    Hold(const Hold &) = delete;
+    Hold &operator=(const Hold &) = delete;
 
     /// False if the holder before has taken away the file that this one has opened.
     bool isInPlace() const
@@ -25,6 +25,9 @@ struct FileLock::Hold
         return fstat(file, &opened) == 0 && stat(path.constData(), &named) == 0 &&
                opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
     }
+
+    const QByteArray path;
+    const int file;
 };
 
 FileLock::FileLock(std::unique_ptr<Hold> hold) : m_hold(std::move(hold)) {}
@@ -42,7 +45,7 @@ std::unique_ptr<FileLock> FileLock::tryTake(const QString &absolutePath)
         const int file = open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666);
         if (file < 0)
             return nullptr;
-        auto hold = std::unique_ptr<Hold>(new Hold{path, file});
+        auto hold = std::make_unique<Hold>(path, file);
         if (flock(file, LOCK_EX | LOCK_NB) != 0)
             return nullptr;
         if (hold->isInPlace())

@@ -10,6 +10,8 @@ namespace platform {
 /// The system takes the file away with its handle.
 struct FileLock::Hold
 {
+    explicit Hold(Handle handle) : file(std::move(handle)) {}
+
     Handle file;
 };
 
@@ -24,8 +26,7 @@ std::unique_ptr<FileLock> FileLock::tryTake(const QString &absolutePath)
                             nullptr));
     if (!file.isValid())
         return nullptr;
-    auto hold = std::unique_ptr<Hold>(new Hold{std::move(file)});
-    return std::unique_ptr<FileLock>(new FileLock(std::move(hold)));
+    return std::unique_ptr<FileLock>(new FileLock(std::make_unique<Hold>(std::move(file))));
 }
 
 } // namespace platform

@@ -30,8 +30,7 @@ private Q_SLOTS:
         m_dir = std::make_unique<QTemporaryDir>();
         m_folder = m_dir->filePath("game");
         m_file = m_dir->filePath("deploy.cache");
-        makeFiles(m_folder,
-                  {"a", "b/\u4e2d", "a:b", "a|b", "b|c", "c", "empty=", "x.JAR", "y.json"});
+        makeFiles(m_folder, {"a", "b/\u4e2d", "c", "empty=", "x.JAR", "y.json"});
         makeFiles(m_dir->path(), {"outside", "other/d"});
     }
 
@@ -107,6 +106,9 @@ private Q_SLOTS:
 
     void namesThatTheFormCanNotHoldClaimNoOtherFiles()
     {
+        if (QSysInfo::productType() == "windows")
+            QSKIP("there are no such names");
+        makeFiles(m_folder, {"a:b", "a|b", "a:9|c"});
         {
             DepHistoryFlatFile history;
             history.init(m_file);
@@ -117,8 +119,7 @@ private Q_SLOTS:
         }
         DepHistoryFlatFile history;
         history.init(m_file);
-        const bool canBeThere = QFileInfo::exists(m_folder + "/a|b"); // not on Windows
-        QCOMPARE(history.getDeployResInDeployFolder(m_folder).size(), canBeThere ? 1 : 3);
+        QVERIFY(history.getDeployResInDeployFolder(m_folder).isEmpty());
     }
 
     void damagedFilesReadAsEmptyAndStay()
@@ -176,19 +177,20 @@ private Q_SLOTS:
     {
         DepHistoryFlatFile history;
         history.init(m_file);
-        QVector<quint64> keys(2000);
-        std::iota(keys.begin(), keys.end(), 1);
+        history.insertRecord(m_folder, 1, {"a"}, {}, false);
+        QVector<quint64> keys(30000);
+        std::iota(keys.begin(), keys.end(), 2);
         QThreadPool::globalInstance()->setMaxThreadCount(16);
         QtConcurrent::blockingMap(keys, [&](quint64 key) {
             DeployRecordItem item;
-            history.insertRecord(m_folder, key, {"a"}, {}, key % 100 == 0);
-            if (!history.queryRecord(m_folder, key, item))
+            history.insertRecord(m_folder, key, {}, {}, key % 5000 == 0);
+            if (!history.queryRecord(m_folder, key, item) || history.deleteRecord("x", key, true))
                 qFatal("a record is gone");
         });
-        QCOMPARE(history.getDeployResInDeployFolder(m_folder).size(), 2000);
+        QCOMPARE(history.getDeployResInDeployFolder(m_folder).size(), 30001);
         DepHistoryFlatFile saved;
         saved.init(m_file);
-        QVERIFY(saved.getDeployResInDeployFolder(m_folder).contains(2000));
+        QCOMPARE(saved.getDeployResInDeployFolder(m_folder), QList<quint64>{1});
     }
 
 private:

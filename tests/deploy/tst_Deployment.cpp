@@ -9,7 +9,6 @@
 #include "platform/FileLock.h"
 #include "support/coresupport/GlobalDebugOptions.h"
 #include "tests/support/Archives.h"
-#include "tests/support/Await.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Sandbox.h"
 #include "tests/support/TestFiles.h"
@@ -279,10 +278,11 @@ private:
     QString deploy(const QString &kind, quint64 key, const QString &source, const QString &folder)
     {
         const auto task = make(kind, key, source, folder);
-        bool isOver = false;
-        connect(task.get(), &TaskAbstract::finished, this, [&] { isOver = true; });
+        QEventLoop loop;
+        connect(task.get(), &TaskAbstract::finished, &loop, &QEventLoop::quit);
         QThreadPool::globalInstance()->start(task.get());
-        return await([&] { return isOver; }) ? task->failReason() : "too late";
+        loop.exec();
+        return task->failReason();
     }
     QString deploy(const QString &kind) { return deploy(kind, 7, m_source, m_game); }
 

@@ -177,7 +177,7 @@ private Q_SLOTS:
         const QString tree = "f7 mods mods/f1 mods/f2 own resourcepacks resourcepacks/f3 saves "
                              "saves/own shaderpacks shaderpacks/f4";
         QCOMPARE(world.instanceTree(), tree);
-        QVERIFY(world.asked("/file1") >= 1 && world.asked("/file6") == 0);
+        QVERIFY(world.asked("/file1").size() >= 1 && world.asked("/file6").size() == 0);
 
         const qint64 bytes = world.payloadBytes();
         QCOMPARE(Run(world).play(), succeeded);
@@ -315,7 +315,7 @@ private Q_SLOTS:
         QCOMPARE(run.play(), succeeded);
         QVERIFY(run.journal.lines.contains("brief updating the game client"));
         QVERIFY(QFile::exists(FSH::gameDataAbsolutePath() + '/' + g_deploypath_game_name + "/f5"));
-        QVERIFY2(world.asked("/resources/info?id=5") == 0, "the list has told all");
+        QVERIFY2(world.asked("/resources/info?id=5").size() == 0, "the list has told all");
     }
 
     void aLineIsSelected()

@@ -86,7 +86,8 @@ private Q_SLOTS:
         Asked<JavaListInfo> javas;
         QCOMPARE(games.update(2, 2), "11"); // a second request
         QCOMPARE(javas.update(2, 1), "1");  // none
-        QVERIFY(world.asked("/resources/clients") == 2 && world.asked("/resources/java") == 1);
+        QVERIFY(world.asked("/resources/clients").size() == 2 &&
+                world.asked("/resources/java").size() == 1);
         QCOMPARE(games.list->gameClientInfo(300)["more"].toInt(), 1);
         QCOMPARE(idOf(games.list->gameClientInfo("1.8")), "300");
         QVERIFY(games.list->gameClientInfo("1.8 ").isEmpty());

@@ -147,7 +147,7 @@ private Q_SLOTS:
         QVERIFY(FS::writeFile(file, R"({"id":77,"type":1,"name":"n","url":"u"})"));
         QVERIFY(!record.loadFromCache());
 
-        makeFiles(world.dir.path(), {"resources/saves"});
+        makeFiles(world.folder.path(), {"resources/saves"});
         Record unsaved(ResTypeSaves);
         const LogCapture log;
         unsaved.saveToCache();

@@ -26,6 +26,11 @@ static void run(const QString &step, const QString &value)
         std::puts(QByteArray(4 * 1024 * 1024 - 1, '.'));
     } else if (step == "print") {
         std::puts(qUtf8Printable(value));
+    } else if (step == "env") {
+        QStringList values;
+        for (const QString &name : value.split(' '))
+            values << qEnvironmentVariable(name.toLatin1(), "-");
+        std::puts(qUtf8Printable(values.join(' ')));
     } else if (step == "until") {
         waitFor([&] { return QFile::exists(value); });
     } else if (step == "window") {

@@ -229,7 +229,8 @@ void TestServer::incomingConnection(qintptr descriptor)
 
 TestServer::Answer TestServer::nextAnswer(const QString &path)
 {
-    QList<Answer> &answers = m_scripts[path];
+    const bool isWhole = m_scripts.contains(path);
+    QList<Answer> &answers = m_scripts[isWhole ? path : path.section('?', 0, 0)];
     if (answers.isEmpty())
         return {{}, {{"status", "404"}}};
     return answers.size() > 1 ? answers.takeFirst() : answers.first();
