@@ -75,3 +75,33 @@ need_packages() {
         apt-get install --quiet=2 --yes --no-install-recommends "${missing[@]}" </dev/null
     [ -z "$policy" ] || "${as_root[@]}" rm "$policy"
 }
+
+# nginx_on <port> <locations>: succeeds when it listens there.
+nginx_on() {
+    cat >"$work/nginx.conf" <<CONF
+daemon on;
+pid $work/nginx.pid;
+error_log $work/error.log;
+events { worker_connections 256; }
+http {
+    access_log off;
+    sendfile on;
+    server { listen 127.0.0.1:$1; root $work/www; $2 }
+}
+CONF
+    nginx -p "$work" -c "$work/nginx.conf" 2>"$work/nginx.out"
+}
+
+# serve_folder [locations]: serves $work/www on loopback until the end; sets url.
+serve_folder() {
+    local try candidate
+    url=
+    mkdir -p "$work/www"
+    for ((try = 0; try < 20; try++)); do
+        candidate=$((32768 + RANDOM % 28000))
+        if nginx_on "$candidate" "${1:-}"; then url=http://127.0.0.1:$candidate; break; fi
+    done
+    [ -n "$url" ] || { cat "$work/nginx.out" >&2; return 1; }
+    trap 'kill "$(cat "$work/nginx.pid")"; rm -rf "$work"' EXIT
+    chmod 755 "$work"
+}

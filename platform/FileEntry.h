@@ -54,6 +54,7 @@ RIVETPLATFORM_EXPORT RemovalAttempt removeEntry(const NativePath &path, EntryKin
 enum class RenameOutcome {
     Renamed,
     OtherFileSystem, ///< only a copy gets there; nothing has changed
+    Held,            ///< somebody holds an entry just now, which may pass; nothing has changed
     Failed,          ///< nothing has changed
 };
 
@@ -72,9 +73,15 @@ RIVETPLATFORM_EXPORT bool isSameEntry(const NativePath &a, const NativePath &b);
 /// a file system at all, such as a device or a drive's current folder.
 RIVETPLATFORM_EXPORT bool isRootOrDevice(const QString &path);
 
-/// Gives the file @p from the name @p to in one step, also when a file of that name is there. Both
-/// lie on one file system. On false both names are as they were.
-[[nodiscard]] RIVETPLATFORM_EXPORT bool replaceFile(const QString &from, const QString &to);
+/// Gives the file @p from the name @p to in one step, also when a file of that name is there,
+/// write-protected or not. Both lie on one file system. Does not wait for who holds one of them.
+[[nodiscard]] RIVETPLATFORM_EXPORT RenameOutcome replaceFile(const QString &from,
+                                                             const QString &to);
+
+/// Brings what was written to the file @p path to the disk itself, so that it survives a loss of
+/// power; may take as long as the disk needs for all of it. False if the disk did not take it;
+/// true also where the system cannot tell.
+[[nodiscard]] RIVETPLATFORM_EXPORT bool syncFile(const QString &path);
 
 /// A form of @p path that is equal for two spellings of one file name: as it is where names differ
 /// by case, case-folded where they do not.

@@ -74,16 +74,14 @@ void OrMCAuthenticateTask::onTaskRun()
     if (hasRequest())
         m_request->Start();
     else
-        Log::critical(
-            QStringLiteral("http request task pointer null when authenticate task run"));
+        Log::critical(QStringLiteral("http request task pointer null when authenticate task run"));
 }
 
 void OrMCAuthenticateTask::httpRequestFinishedEx(unsigned short, int error, const QByteArray &data)
 {
     if (error != 0) {
-        Log::critical(
-            QLatin1String("reply error = %1 when authenticate to oriel mc server") %
-            errorName(error));
+        Log::critical(QLatin1String("reply error = %1 when authenticate to oriel mc server") %
+                      errorName(error));
         end(AuthStatusNetworkError);
         return;
     }

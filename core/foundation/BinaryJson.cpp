@@ -9,16 +9,25 @@
 
 namespace BinaryJson {
 
+std::optional<QJsonObject> parse(const QByteArray &data)
+{
+    const QJsonDocument document = QJsonDocument::fromBinaryData(data);
+    return document.isObject() ? std::optional<QJsonObject>(document.object()) : std::nullopt;
+}
+
 std::optional<QJsonObject> readFile(const QString &path)
 {
-    const QJsonDocument document =
-        QJsonDocument::fromBinaryData(FS::readFile(path).value_or(QByteArray()));
-    return document.isObject() ? std::optional<QJsonObject>(document.object()) : std::nullopt;
+    return parse(FS::readFile(path).value_or(QByteArray()));
+}
+
+QByteArray bytesOf(const QJsonObject &object)
+{
+    return QJsonDocument(object).toBinaryData();
 }
 
 bool writeFile(const QString &path, const QJsonObject &object)
 {
-    return FS::writeFile(path, QJsonDocument(object).toBinaryData());
+    return FS::writeFile(path, bytesOf(object));
 }
 
 } // namespace BinaryJson

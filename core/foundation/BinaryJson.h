@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include <QByteArray>
 #include <QJsonObject>
 #include <QString>
 
@@ -9,8 +10,14 @@
 /// disk. Any thread.
 namespace BinaryJson {
 
+/// The object in @p data; nothing if the bytes are not of this form.
+[[nodiscard]] std::optional<QJsonObject> parse(const QByteArray &data);
+
 /// The object in the file; nothing if it is missing or not of this form.
 [[nodiscard]] std::optional<QJsonObject> readFile(const QString &path);
+
+/// What such a file holds.
+QByteArray bytesOf(const QJsonObject &object);
 
 /// Replaces the file as a whole; false if it can't be written.
 [[nodiscard]] bool writeFile(const QString &path, const QJsonObject &object);

@@ -16,6 +16,12 @@ quint32 toUInt(const QJsonValue &value)
     return fits && std::trunc(number) == number ? static_cast<quint32>(number) : 0;
 }
 
+quint64 wholePart(double number)
+{
+    constexpr double limit = 18446744073709551616.0; // 2^64
+    return number >= 0 && number < limit ? static_cast<quint64>(number) : 0;
+}
+
 bool isZero(const QJsonValue &value)
 {
     if (value.isString())

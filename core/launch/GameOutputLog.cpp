@@ -14,7 +14,8 @@ QString startNew(const QString &instanceDir)
     const QString dir = QDir::cleanPath(QDir(instanceDir).absolutePath());
     const QString current = dir + QLatin1String("/game-output.log");
     const QString previous = dir + QLatin1String("/game-output.previous.log");
-    if (QFile::exists(current) && !platform::replaceFile(current, previous))
+    if (QFile::exists(current) &&
+        platform::replaceFile(current, previous) != platform::RenameOutcome::Renamed)
         Log::warning(QLatin1String("the game's last output could not be kept: ") + current);
 
     // A process whose output can't be opened does not start.

@@ -6,8 +6,11 @@
 #include "support/coresupport/DirectoryNames.h"
 
 LocalResLoadTask::LocalResLoadTask(const QString &baseDir, QObject *parent)
-    : TaskAbstract(parent), m_nameFilters(QStringLiteral("*.inf")),
-      m_filePattern(QStringLiteral("^\\d+\\.inf$")), m_baseDir(baseDir), m_timer(this)
+    : TaskAbstract(parent),
+      m_nameFilters(QStringLiteral("*.inf")),
+      m_filePattern(QStringLiteral("^\\d+\\.inf$")),
+      m_baseDir(baseDir),
+      m_timer(this)
 {
     const auto look = [this](const char *name, ResType type) {
         m_pendingDirectories.insert(QString::fromUtf8(name), type);
@@ -44,8 +47,7 @@ void LocalResLoadTask::listNextDirectory()
     }
     const auto next = m_pendingDirectories.begin();
     const QDir directory(m_baseDir % QDir::separator() % next.key());
-    m_foundFiles[next.value()] =
-        directory.entryList(m_nameFilters, QDir::Files, QDir::Unsorted);
+    m_foundFiles[next.value()] = directory.entryList(m_nameFilters, QDir::Files, QDir::Unsorted);
     m_pendingDirectories.erase(next);
 }
 

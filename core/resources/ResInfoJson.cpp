@@ -17,23 +17,23 @@ struct Section
 };
 
 constexpr Section sections[] = {
-    {"game", ResTypeGame},     {"mods", ResTypeMods},   {"resource", ResTypeResourcePacks},
+    {"game", ResTypeGame},      {"mods", ResTypeMods},  {"resource", ResTypeResourcePacks},
     {"shader", ResTypeShaders}, {"save", ResTypeSaves},
 };
 
 const Section *sectionIn(const QString &token)
 {
-    const auto *found = std::find_if(
-        std::begin(sections), std::end(sections),
-        [&](const Section &section) { return token.contains(QLatin1String(section.word)); });
+    const auto *found =
+        std::find_if(std::begin(sections), std::end(sections), [&](const Section &section) {
+            return token.contains(QLatin1String(section.word));
+        });
     return found == std::end(sections) ? nullptr : found;
 }
 
 const Section *sectionOf(ResType type)
 {
-    const auto *found =
-        std::find_if(std::begin(sections), std::end(sections),
-                     [&](const Section &section) { return section.type == type; });
+    const auto *found = std::find_if(std::begin(sections), std::end(sections),
+                                     [&](const Section &section) { return section.type == type; });
     return found == std::end(sections) ? nullptr : found;
 }
 

@@ -1,8 +1,18 @@
 #include "core/resources/ResObj.h"
 
+#include <QDir>
+
+#include "core/deploy/DeployGameResRecorder.h"
+#include "core/deploy/DeployJavaResTask.h"
+#include "core/deploy/DeployResRecorder.h"
+#include "core/deploy/DeployTaskWithCopyFile.h"
+#include "core/deploy/DeployTaskWithUnzipMd5.h"
 #include "core/foundation/BinaryJson.h"
+#include "core/foundation/Environment.h"
+#include "core/foundation/FSH.h"
+#include "core/foundation/MCSettings.h"
 #include "core/resources/ResInfoJson.h"
-#include "core/resources/ResUpdateTask.h"
+#include "support/coresupport/DirectoryNames.h"
 #include "support/jsonfskit/Log.h"
 
 namespace {
@@ -17,6 +27,37 @@ auto askTask(ResUpdateTask *task, const Ask &ask,
         return ask(*task);
     Log::warning(complaint);
     return decltype(ask(*task))();
+}
+
+QString sharedDeployDir(const char *name)
+{
+    return FSH::gameDataAbsolutePath() % QDir::separator() % QString::fromUtf8(name);
+}
+
+QString deployDirIn(const QString &folder, ResType type)
+{
+    switch (type) {
+    case ResTypeJava:
+        return sharedDeployDir(g_deploypath_java_name);
+    case ResTypeSkins:
+    case ResTypeCloaks:
+        return sharedDeployDir(g_deploypath_skin_name);
+    case ResTypeGame:
+        return sharedDeployDir(g_deploypath_game_name);
+    default:
+        return QDir::cleanPath(folder % QDir::separator() % FSH::dirNameInGame(type));
+    }
+}
+
+/// Once in the lifetime of the settings: records of game clients from before then are of no use.
+void clearGameHistoryOnce()
+{
+    const auto settings = Environment::GetInstance()->settings();
+    const QString key = QStringLiteral("cgr");
+    if (!settings || !settings->value(key, QVariant()).isNull())
+        return;
+    DeployGameResRecorder::GetInstance()->clearAllRecord();
+    settings->setValue(key, 1);
 }
 
 } // namespace
@@ -83,6 +124,36 @@ quint64 ResObj::dlDownloadSize() const
     return askTask(
         m_pUpdateTask, [](ResUpdateTask &task) { return task.dlDownloadSize(); },
         QStringLiteral("m_pUpdateTask null pointer"));
+}
+
+DeployTask *ResObj::createDeployResTask(const QString &folder, uint id)
+{
+    if (folder.isEmpty()) {
+        Log::critical(tr("deploy out folder prefix is empty."));
+        return nullptr;
+    }
+    DTskContext context;
+    context.srcFile =
+        FSH::resourceDownloadDir(resType()) % QDir::separator() % QString::number(resId());
+    context.deployDir = deployDirIn(folder, resType());
+    context.deployResKey = ResourceKey::pack(resId(), resType());
+    context.deployTaskId = id;
+    context.history = DeployResRecorder::GetInstance();
+    switch (resType()) {
+    case ResTypeMods:
+        return new DeployTaskWithUnzipMd5(context);
+    case ResTypeJava:
+        return new DeployJavaResTask(context);
+    case ResTypeSkins:
+    case ResTypeCloaks:
+        return new DeployTaskWithCopyFile(QStringLiteral("%1.png").arg(resId()), context);
+    case ResTypeGame:
+        clearGameHistoryOnce();
+        context.history = DeployGameResRecorder::GetInstance();
+        return new DeployTaskWithUnzipMd5(context);
+    default:
+        return new DeployTaskWithUnzip(context);
+    }
 }
 
 bool ResObj::loadFromCache()

@@ -7,8 +7,9 @@
 
 #include "base/RivetCoreExport.h"
 #include "core/resources/ResInfo.h"
+#include "core/resources/ResUpdateTask.h"
 
-class ResUpdateTask;
+class DeployTask;
 
 /// One resource: its record, and the handle by which it is installed, stopped and deleted.
 ///
@@ -43,6 +44,12 @@ public:
     /// Bytes.
     quint64 dlTotalSize() const;
     quint64 dlDownloadSize() const;
+
+    /// The task that deploys the downloaded file, owned by the caller; null, with a line on the
+    /// log, if @p folder, the game directory of an instance, is empty. Java runtimes, pictures and
+    /// game clients have directories that all instances share. @p id is passed through: steps
+    /// give that of the instance.
+    DeployTask *createDeployResTask(const QString &folder, uint id);
 
     /// Owned by this object.
     ResUpdateTask *updateTask() const { return m_pUpdateTask; }

@@ -11,6 +11,7 @@
 #include "core/foundation/CachedAnswer.h"
 #include "core/foundation/Environment.h"
 #include "core/resources/GameClientListInfo.h"
+#include "core/resources/RequestGate.h"
 #include "core/resources/ResDownload.h"
 #include "core/resources/ResDownloadMgr.h"
 #include "core/resources/ResInfo.h"
@@ -18,8 +19,11 @@
 #include "support/jsonfskit/Log.h"
 
 ResUpdateTask::ResUpdateTask(uint id, ResType type, ResInfo *info, QObject *parent)
-    : TaskAbstract(parent), m_id(id), m_type(type),
-      m_manager(Environment::GetInstance()->getShareNetworkAccessMgr()), m_resInfo(info),
+    : TaskAbstract(parent),
+      m_id(id),
+      m_type(type),
+      m_manager(Environment::GetInstance()->getShareNetworkAccessMgr()),
+      m_resInfo(info),
       m_startTimer(this)
 {
     setObjectName(QStringLiteral("resObj,id:%1,type:%2").arg(id).arg(type));
@@ -65,7 +69,7 @@ void ResUpdateTask::onTaskRun()
 
 void ResUpdateTask::updateResInfoFromNet()
 {
-    if (m_updateStatus == UpdatedFromRemote || m_reply)
+    if (m_updateStatus == UpdatedFromRemote || m_reply || m_isQueued)
         return;
     changeStatus(ResInstallUpdating);
     if (m_type == ResTypeGame)
@@ -88,9 +92,14 @@ void ResUpdateTask::askForGameClient()
 
 void ResUpdateTask::askForRecord()
 {
-    const QString url = QString::fromUtf8(g_resInfo_url).arg(m_id);
-    m_reply = m_manager->get(QNetworkRequest(QUrl(url)));
-    connect(m_reply, &QNetworkReply::finished, this, &ResUpdateTask::onUpdateResInfoFinished);
+    m_isQueued = true;
+    RequestGate::GetInstance()->enqueue(this, [this] {
+        m_isQueued = false;
+        const QString url = QString::fromUtf8(g_resInfo_url).arg(m_id);
+        m_reply = m_manager->get(QNetworkRequest(QUrl(url)));
+        connect(m_reply, &QNetworkReply::finished, this, &ResUpdateTask::onUpdateResInfoFinished);
+        return m_reply;
+    });
 }
 
 void ResUpdateTask::onUpdateGameListInfoFinished()
@@ -119,15 +128,20 @@ void ResUpdateTask::onUpdateResInfoFinished()
     }
     if (reply->error() == QNetworkReply::NoError)
         takeRecord(*reply);
-    else if (m_installStatus != ResInstallIdle)
-        Log::critical(QLatin1String("updateResInfo failed with err:") % reply->errorString());
+    else
+        complainOfRefresh(reply->errorString());
     goOnWithDownload();
+}
+
+void ResUpdateTask::complainOfRefresh(const QString &error)
+{
+    if (m_installStatus != ResInstallIdle)
+        Log::critical(QLatin1String("updateResInfo failed with err:") % error);
 }
 
 void ResUpdateTask::takeRecord(QNetworkReply &reply)
 {
-    const QJsonObject answer =
-        QJsonDocument::fromJson(CachedAnswer::filteredBody(reply)).object();
+    const QJsonObject answer = QJsonDocument::fromJson(CachedAnswer::filteredBody(reply)).object();
     const QJsonObject record = answer[QLatin1String("resource")].toObject();
     if (!record.isEmpty())
         m_resInfo->loadFromRemote(record);
@@ -147,22 +161,29 @@ void ResUpdateTask::startDownload()
         changeStatus(ResInstallFailed);
         return;
     }
+    m_download.reset(); // somebody else may have redirected it
     const auto instance = download();
-    connect(instance.get(), &ResDownload::dlStatuschanged, this,
-            &ResUpdateTask::onDLStatuschanged, Qt::UniqueConnection);
-    connect(instance.get(), &ResDownload::progressChanged, this,
-            &ResUpdateTask::onProgressChanged, Qt::UniqueConnection);
+    connect(instance.get(), &ResDownload::dlStatuschanged, this, &ResUpdateTask::onDLStatuschanged,
+            Qt::UniqueConnection);
+    connect(instance.get(), &ResDownload::progressChanged, this, &ResUpdateTask::onProgressChanged,
+            Qt::UniqueConnection);
     connect(instance.get(), &ResDownload::dlSpeedUpdated, this, &ResUpdateTask::onDlSpeedUpdated,
             Qt::UniqueConnection);
     m_startTimer.start();
 }
 
 /// The one transfer of the resource; its next start fetches what the record names now.
-std::shared_ptr<ResDownload> ResUpdateTask::download() const
+std::shared_ptr<ResDownload> ResUpdateTask::download()
 {
-    return m_resInfo ? ResDownloadMgr::GetInstance()->resDownloadInstance(
-                           m_id, m_type, QUrl(m_resInfo->downloadUrl()))
-                     : nullptr;
+    if (!m_resInfo)
+        return nullptr;
+    // A step asks each of its resources for sizes again and again.
+    if (!m_download || m_downloadUrl != m_resInfo->downloadUrl()) {
+        m_downloadUrl = m_resInfo->downloadUrl();
+        m_download =
+            ResDownloadMgr::GetInstance()->resDownloadInstance(m_id, m_type, QUrl(m_downloadUrl));
+    }
+    return m_download;
 }
 
 void ResUpdateTask::onDLStatuschanged(uint, uint newStatus)
@@ -202,12 +223,24 @@ void ResUpdateTask::stop()
                           .arg(m_id)
                           .arg(m_type));
     // A receiver of the signals may delete this task.
-    const QPointer<QNetworkReply> reply(m_reply);
+    const QPointer<ResUpdateTask> self(this);
     if (ReleaseRef() == 0)
         stopDownload();
-    // Its end is told at once, and goes on with the download if somebody else still waits for it.
-    if (reply)
-        reply->abort();
+    if (self)
+        abortRefresh();
+}
+
+/// The download goes on with the record at hand if somebody else still waits for it.
+void ResUpdateTask::abortRefresh()
+{
+    if (m_reply) {
+        m_reply->abort(); // tells its end at once
+    } else if (m_isQueued) {
+        m_isQueued = false;
+        RequestGate::GetInstance()->withdraw(this);
+        complainOfRefresh(tr("Operation canceled"));
+        goOnWithDownload();
+    }
 }
 
 void ResUpdateTask::stopDownload()
@@ -255,7 +288,7 @@ quint64 ResUpdateTask::dlDownloadSize()
     return instance ? instance->GetCurDownloadedSize() : 1;
 }
 
-std::shared_ptr<ResDownload> ResUpdateTask::downloadOrComplain() const
+std::shared_ptr<ResDownload> ResUpdateTask::downloadOrComplain()
 {
     if (!m_resInfo)
         Log::critical(QStringLiteral("resInfo null pointer, unexpected error."));

@@ -98,18 +98,23 @@ private:
     void goOnWithDownload();
     bool isUnderWay() const;
     void stopDownload();
-    std::shared_ptr<ResDownload> download() const;
-    std::shared_ptr<ResDownload> downloadOrComplain() const;
+    void abortRefresh();
+    void complainOfRefresh(const QString &error);
+    std::shared_ptr<ResDownload> download();
+    std::shared_ptr<ResDownload> downloadOrComplain();
 
     const uint m_id;
     const ResType m_type;
     UpdateStatus m_updateStatus = NotUpdated;
     std::shared_ptr<QNetworkAccessManager> m_manager;
     QNetworkReply *m_reply = nullptr; ///< in flight
+    bool m_isQueued = false;          ///< the request waits for its turn
     ResInstallStatus m_installStatus = ResInstallIdle;
     uint m_progress = 0;
     uint m_speed = 0;
     uint m_refCount = 0; ///< install requests that are outstanding
     ResInfo *m_resInfo;
+    std::shared_ptr<ResDownload> m_download; ///< of m_downloadUrl, once asked for
+    QString m_downloadUrl;
     QTimer m_startTimer; ///< starts the transfer on a later turn of the event loop
 };

@@ -11,6 +11,15 @@
 
 namespace platform {
 
+namespace {
+
+RenameOutcome failedRename()
+{
+    return errno == EXDEV ? RenameOutcome::OtherFileSystem : RenameOutcome::Failed;
+}
+
+} // namespace
+
 NativePath toNative(const QString &absolutePath)
 {
     return NativePath(QFile::encodeName(absolutePath).toStdString());
@@ -62,7 +71,7 @@ RenameOutcome renameEntry(const NativePath &from, const NativePath &to)
         result = std::rename(from.c_str(), to.c_str());
     if (result == 0)
         return RenameOutcome::Renamed;
-    return errno == EXDEV ? RenameOutcome::OtherFileSystem : RenameOutcome::Failed;
+    return failedRename();
 }
 
 void openForRemoval(const NativePath &path)
@@ -88,9 +97,21 @@ bool isRootOrDevice(const QString &path)
     return QDir::cleanPath(QDir(path).absolutePath()) == QLatin1String("/");
 }
 
-bool replaceFile(const QString &from, const QString &to)
+RenameOutcome replaceFile(const QString &from, const QString &to)
 {
-    return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+    return std::rename(toNative(from).c_str(), toNative(to).c_str()) == 0 ? RenameOutcome::Renamed
+                                                                          : failedRename();
+}
+
+bool syncFile(const QString &path)
+{
+    const int file = open(toNative(path).c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0)
+        return true;
+    const bool isSynced = fdatasync(file) == 0;
+    const int error = errno;
+    close(file);
+    return isSynced || (error != EIO && error != ENOSPC && error != EDQUOT);
 }
 
 QString comparableName(const QString &path)

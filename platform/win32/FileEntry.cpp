@@ -51,6 +51,45 @@ QString messageOf(DWORD error)
     return qt_error_string(static_cast<int>(error));
 }
 
+/// Takes the write protection off an entry; gives it back unless the entry was dealt with.
+class LiftedProtection
+{
+public:
+    explicit LiftedProtection(const NativePath &path)
+        : m_path(path), m_attributes(GetFileAttributesW(path.c_str()))
+    {
+        if (isProtected())
+            SetFileAttributesW(m_path.c_str(), m_attributes & ~DWORD(FILE_ATTRIBUTE_READONLY));
+    }
+    ~LiftedProtection()
+    {
+        if (isProtected())
+            SetFileAttributesW(m_path.c_str(), m_attributes);
+    }
+    LiftedProtection(const LiftedProtection &) = delete;
+    LiftedProtection &operator=(const LiftedProtection &) = delete;
+
+    bool isKnown() const { return m_attributes != INVALID_FILE_ATTRIBUTES; }
+    bool isFolder() const { return isKnown() && (m_attributes & FILE_ATTRIBUTE_DIRECTORY); }
+    void forget() { m_attributes = INVALID_FILE_ATTRIBUTES; }
+
+private:
+    bool isProtected() const { return isKnown() && (m_attributes & FILE_ATTRIBUTE_READONLY); }
+
+    const NativePath &m_path;
+    DWORD m_attributes;
+};
+
+RenameOutcome move(const NativePath &from, const NativePath &to, DWORD flags)
+{
+    if (MoveFileExW(from.c_str(), to.c_str(), flags))
+        return RenameOutcome::Renamed;
+    const DWORD error = GetLastError();
+    if (error == ERROR_NOT_SAME_DEVICE)
+        return RenameOutcome::OtherFileSystem;
+    return isPassing(error) ? RenameOutcome::Held : RenameOutcome::Failed;
+}
+
 } // namespace
 
 NativePath toNative(const QString &absolutePath)
@@ -97,31 +136,20 @@ FolderListing listFolder(const NativePath &path)
 
 RemovalAttempt removeEntry(const NativePath &path, EntryKind)
 {
-    const DWORD attributes = GetFileAttributesW(path.c_str());
-    const bool isKnown = attributes != INVALID_FILE_ATTRIBUTES;
-    if (!isKnown && isGone(GetLastError()))
-        return {true, false, {}};
-    const bool isProtected = isKnown && (attributes & FILE_ATTRIBUTE_READONLY);
-    if (isProtected)
-        SetFileAttributesW(path.c_str(), attributes & ~DWORD(FILE_ATTRIBUTE_READONLY));
+    LiftedProtection protection(path);
     // Junctions and links to folders are removed as folders; neither call follows them.
-    const bool isFolder = isKnown && (attributes & FILE_ATTRIBUTE_DIRECTORY);
-    if (isFolder ? RemoveDirectoryW(path.c_str()) : DeleteFileW(path.c_str()))
-        return {true, false, {}};
-    const DWORD error = GetLastError();
-    if (isGone(error))
-        return {true, false, {}};
-    if (isProtected)
-        SetFileAttributesW(path.c_str(), attributes);
-    return {false, isPassing(error), messageOf(error)};
+    const bool isRemoved =
+        protection.isFolder() ? RemoveDirectoryW(path.c_str()) : DeleteFileW(path.c_str());
+    const DWORD error = isRemoved ? ERROR_SUCCESS : GetLastError();
+    if (!isRemoved && !isGone(error))
+        return {false, isPassing(error), messageOf(error)};
+    protection.forget();
+    return {true, false, {}};
 }
 
 RenameOutcome renameEntry(const NativePath &from, const NativePath &to)
 {
-    if (MoveFileExW(from.c_str(), to.c_str(), 0))
-        return RenameOutcome::Renamed;
-    return GetLastError() == ERROR_NOT_SAME_DEVICE ? RenameOutcome::OtherFileSystem
-                                                   : RenameOutcome::Failed;
+    return move(from, to, 0);
 }
 
 void openForRemoval(const NativePath &)
@@ -148,10 +176,26 @@ bool isRootOrDevice(const QString &path)
            QDir(QDir::cleanPath(QDir(path).absolutePath())).isRoot();
 }
 
-bool replaceFile(const QString &from, const QString &to)
+RenameOutcome replaceFile(const QString &from, const QString &to)
 {
-    return MoveFileExW(nativePath(from).c_str(), nativePath(to).c_str(),
-                       MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+    const NativePath target = toNative(to);
+    LiftedProtection protection(target);
+    const RenameOutcome outcome =
+        move(toNative(from), target, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
+    if (outcome == RenameOutcome::Renamed)
+        protection.forget();
+    return outcome;
+}
+
+bool syncFile(const QString &path)
+{
+    const Handle file(CreateFileW(nativePath(path).c_str(), GENERIC_WRITE,
+                                  FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                  OPEN_EXISTING, 0, nullptr));
+    if (!file.isValid() || FlushFileBuffers(file.get()))
+        return true;
+    const DWORD error = GetLastError();
+    return error == ERROR_INVALID_FUNCTION || error == ERROR_NOT_SUPPORTED;
 }
 
 QString comparableName(const QString &path)

@@ -21,7 +21,6 @@ bool supportFormats(archive *handle, ReaderFormat format)
     return archive_read_support_format_7zip(handle) == ARCHIVE_OK &&
            archive_read_support_format_tar(handle) == ARCHIVE_OK &&
            archive_read_set_format_option(handle, "tar", "hdrcharset", "UTF-8") == ARCHIVE_OK &&
-           archive_read_support_filter_gzip(handle) == ARCHIVE_OK &&
            archive_read_support_filter_xz(handle) == ARCHIVE_OK &&
            archive_read_support_filter_zstd(handle) == ARCHIVE_OK;
 }
@@ -66,14 +65,30 @@ bool ArchiveReader::open()
     archive *handle = m_archive.get();
     archive_read_set_callback_data(handle, this);
     archive_read_set_read_callback(handle, &ArchiveReader::onRead);
-    archive_read_set_seek_callback(handle, &ArchiveReader::onSeek);
-    archive_read_set_skip_callback(handle, &ArchiveReader::onSkip);
+    if (m_format == ReaderFormat::SevenZipOrTar && GzipStream::isGzip(m_file)) {
+        m_gzip = std::make_unique<GzipStream>(m_file);
+    } else {
+        archive_read_set_seek_callback(handle, &ArchiveReader::onSeek);
+        archive_read_set_skip_callback(handle, &ArchiveReader::onSkip);
+    }
     return archive_read_open1(handle) == ARCHIVE_OK || fail();
 }
 
 ReadStep ArchiveReader::nextEntry()
 {
-    return stepOf(archive_read_next_header(m_archive.get(), &m_entry));
+    const ReadStep step = stepOf(archive_read_next_header(m_archive.get(), &m_entry));
+    return step == ReadStep::End && !isRestGood() ? ReadStep::Failed : step;
+}
+
+/// The last checksum stands behind what the archive's last entry makes libarchive read.
+bool ArchiveReader::isRestGood()
+{
+    qint64 bytes = m_gzip ? 1 : 0;
+    while (bytes > 0 && !m_stop)
+        bytes = m_gzip->read(m_buffer.data(), mostBytesAtOnce);
+    if (bytes < 0)
+        m_failure = QStringLiteral("the archive is damaged");
+    return bytes == 0;
 }
 
 EntryHeader ArchiveReader::header() const
@@ -101,7 +116,8 @@ ReadStep ArchiveReader::nextPiece(Piece &piece)
 
 double ArchiveReader::share() const
 {
-    const auto used = static_cast<double>(archive_filter_bytes(m_archive.get(), -1));
+    const auto used =
+        static_cast<double>(m_gzip ? m_file.pos() : archive_filter_bytes(m_archive.get(), -1));
     return std::clamp(used / static_cast<double>(std::max<qint64>(m_file.size(), 1)), 0.0, 1.0);
 }
 
@@ -132,11 +148,18 @@ la_ssize_t ArchiveReader::onRead(archive *handle, void *self, const void **buffe
         return ARCHIVE_FATAL;
     }
     *buffer = reader->m_buffer.data();
-    const qint64 bytes = reader->m_file.read(reader->m_buffer.data(), reader->m_bytesAtOnce);
-    reader->m_bytesAtOnce = std::min(2 * reader->m_bytesAtOnce, mostBytesAtOnce);
+    const qint64 bytes = reader->readFile();
     if (bytes < 0)
-        archive_set_error(handle, EIO, "the file can not be read");
+        archive_set_error(handle, EIO, "the file is damaged or can not be read");
     return static_cast<la_ssize_t>(bytes < 0 ? ARCHIVE_FATAL : bytes);
+}
+
+qint64 ArchiveReader::readFile()
+{
+    const qint64 bytes = m_gzip ? m_gzip->read(m_buffer.data(), m_bytesAtOnce)
+                                : m_file.read(m_buffer.data(), m_bytesAtOnce);
+    m_bytesAtOnce = std::min(2 * m_bytesAtOnce, mostBytesAtOnce);
+    return bytes;
 }
 
 la_int64_t ArchiveReader::onSeek(archive *, void *self, la_int64_t offset, int whence)

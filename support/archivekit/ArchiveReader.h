@@ -12,6 +12,7 @@
 #include <archive_entry.h>
 
 #include "support/archivekit/ExtractionPlan.h"
+#include "support/archivekit/GzipStream.h"
 
 namespace archivekit {
 
@@ -61,6 +62,8 @@ private:
     static la_int64_t onSkip(archive *, void *self, la_int64_t bytes);
     bool fail();
     ReadStep stepOf(int result);
+    qint64 readFile();
+    bool isRestGood();
 
     struct Closer
     {
@@ -73,6 +76,7 @@ private:
     qint64 m_bytesAtOnce; ///< grows while the file is read in a row
     archive_entry *m_entry = nullptr;
     QString m_failure;
+    std::unique_ptr<GzipStream> m_gzip;         ///< where the file is packed by gzip
     std::unique_ptr<archive, Closer> m_archive; ///< calls back until its end: goes first
 };
 

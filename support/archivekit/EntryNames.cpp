@@ -2,8 +2,9 @@
 
 #include <algorithm>
 
-#include <QStringList>
 #include <QTextCodec>
+
+#include "support/jsonfskit/FileNames.h"
 
 namespace archivekit {
 
@@ -59,20 +60,6 @@ QString decodeCp437(const QByteArray &raw)
     return name;
 }
 
-/// Device names hold with every extension, and blanks before the dot do not help.
-bool isDeviceName(const QString &component)
-{
-    static const QStringList devices{QStringLiteral("CON"),    QStringLiteral("PRN"),
-                                     QStringLiteral("AUX"),    QStringLiteral("NUL"),
-                                     QStringLiteral("CONIN$"), QStringLiteral("CONOUT$")};
-    const QString stem = component.section(QLatin1Char('.'), 0, 0).trimmed().toUpper();
-    if (devices.contains(stem))
-        return true;
-    static const QString numbers = QStringLiteral("123456789\u00b9\u00b2\u00b3");
-    return stem.size() == 4 && numbers.contains(stem.at(3)) &&
-           (stem.startsWith(QLatin1String("COM")) || stem.startsWith(QLatin1String("LPT")));
-}
-
 bool isForbidden(QChar character)
 {
     return character < QChar(0x20) || character == QChar(0x7f) ||
@@ -91,7 +78,7 @@ NameFault faultOfComponent(const QString &component)
         return NameFault::TrailingDotOrBlank;
     if (component.toUtf8().size() > longestComponent)
         return NameFault::LongComponent;
-    return isDeviceName(component) ? NameFault::DeviceName : NameFault::None;
+    return FS::isDeviceName(component) ? NameFault::DeviceName : NameFault::None;
 }
 
 } // namespace

@@ -105,13 +105,15 @@ Extraction::Progress Extraction::progress() const
 
 bool Extraction::unpackZip()
 {
-    ZipDirectory directory;
+    ZipDirectory directory(m_stop);
     if (!directory.read(m_archivePath))
         return fail(directory.failedEntry(), directory.failure());
     const std::vector<EntryHeader> &entries = directory.entries();
     ExtractionPlan plan(roomFor(m_targetDirectory));
     std::vector<QString> paths;
     for (const EntryHeader &entry : entries) {
+        if (m_stop)
+            return false;
         if (!plan.take(entry))
             return fail(entry.name, plan.refusal());
         paths.push_back(plan.path());

@@ -18,13 +18,14 @@ class Extraction;
 /// Archives count as hostile. The archive is unpacked as a whole or not at all: when one entry is
 /// refused or damaged, or the disk has no room, a line on the log names it and the folder is as it
 /// was before. Until the end everything lies in a folder inside the target whose name begins
-/// with ".rivet-unpack-"; only a killed process leaves one behind.
+/// with ".rivet-unpack-"; only a killed process leaves one behind, which the next run in that
+/// folder clears away.
 ///
 /// Refused, on every system alike: names that are absolute, climb out by "..", hold a backslash, a
 /// colon, control or wildcard characters, end a part with a dot or a blank, or name a device; two
 /// entries of one name, or whose names, or the folders above them, differ by case alone; links
 /// (also those that stay inside) and special files; encrypted entries; sizes and checksums that are
-/// not as announced (gzip's own checksum is not looked at); more than 200,000 entries. Times and
+/// not as announced; more than 200,000 entries. Times and
 /// owners are not kept, nor are mode bits other than the executable one.
 ///
 /// Lives on any one thread with an event loop; a local QEventLoop on a pool thread will do. The

@@ -3,9 +3,7 @@
 #include <algorithm>
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
-#include <QTemporaryDir>
 
 #include "platform/FileEntry.h"
 #include "support/jsonfskit/FS.h"
@@ -14,16 +12,6 @@
 namespace archivekit {
 
 using platform::EntryKind;
-
-namespace {
-
-QStringList namesIn(const QString &folder)
-{
-    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System |
-                                  QDir::NoDotAndDotDot);
-}
-
-} // namespace
 
 StagingFolder::StagingFolder(QString targetDirectory)
     : m_target(targetDirectory.isEmpty()
@@ -34,8 +22,7 @@ StagingFolder::StagingFolder(QString targetDirectory)
 
 StagingFolder::~StagingFolder()
 {
-    if (!m_root.isEmpty())
-        FS::removeTree(m_root);
+    m_root.reset();
     if (m_isCommitted)
         return;
     // Only empty folders go this way: what somebody else put there meanwhile stays.
@@ -47,25 +34,22 @@ bool StagingFolder::prepare()
 {
     if (m_target.isEmpty() || !makeTarget())
         return fail({}, QStringLiteral("the target folder can not be made"));
-    QTemporaryDir root(m_target % QStringLiteral("/.rivet-unpack-XXXXXX"));
-    root.setAutoRemove(false);
-    if (!root.isValid())
-        return fail({}, root.errorString());
-    m_root = root.path();
-    return QDir(m_root).mkdir(QStringLiteral("new")) && QDir(m_root).mkdir(QStringLiteral("old"))
-               ? true
-               : fail({}, QStringLiteral("no folder can be made in the target folder"));
+    StagingRoot::recoverLeftovers(m_target);
+    m_root = StagingRoot::make(m_target);
+    return m_root || fail({}, QStringLiteral("no folder can be made in the target folder"));
 }
 
 QString StagingFolder::contentPath() const
 {
-    return m_root.isEmpty() ? QString() : m_root % QStringLiteral("/new");
+    return m_root ? m_root->newPath() : QString();
 }
 
 bool StagingFolder::commit()
 {
     m_isCommitted = mergeFolder({});
-    if (!m_isCommitted)
+    if (m_isCommitted)
+        m_root->dropOld();
+    else
         undo();
     return m_isCommitted;
 }
@@ -109,14 +93,14 @@ bool StagingFolder::place(const QString &relative)
     }
     if (isFolder)
         return fail(relative, QStringLiteral("a file or a link is in the folder's place"));
-    const QString old = m_root % QStringLiteral("/old/") % QString::number(m_moves.size());
-    return (move(to, old) && move(from, to)) ||
+    const QString old = m_root->oldPath() % relative;
+    return (FS::ensureFilePathExists(old) && move(to, old) && move(from, to)) ||
            fail(relative, QStringLiteral("the file that is there can not be replaced"));
 }
 
 bool StagingFolder::move(const QString &from, const QString &to)
 {
-    if (!QFile::rename(from, to))
+    if (!moveEntry(from, to, m_waited))
         return false;
     m_moves.push_back({from, to});
     return true;
@@ -125,11 +109,11 @@ bool StagingFolder::move(const QString &from, const QString &to)
 void StagingFolder::undo()
 {
     for (auto it = m_moves.crbegin(); it != m_moves.crend(); ++it) {
-        if (QFile::rename(it->to, it->from))
+        if (moveEntry(it->to, it->from, m_waited))
             continue;
         Log::critical(QLatin1String("can not move \"") % it->to % QLatin1String("\" back to \"") %
                       it->from % QLatin1Char('"'));
-        m_root.clear(); // what could not go back must not go with the folder
+        m_root->keep();
     }
     m_moves.clear();
 }

@@ -1,15 +1,18 @@
 #pragma once
 
+#include <chrono>
+#include <memory>
 #include <vector>
 
 #include <QString>
 #include <QStringList>
 
+#include "support/archivekit/StagingRoot.h"
+
 namespace archivekit {
 
-/// The folder of ours, inside the target, that an archive is unpacked into before its content
-/// goes to the target as a whole. Its name begins with ".rivet-unpack-", so that what a killed
-/// process left can be told from the user's files.
+/// What an archive is unpacked into, inside the target, before its content goes to the target as a
+/// whole.
 ///
 /// Until commit() succeeds, the target is as it was: what the destructor finds uncommitted goes,
 /// and with it the folders above that prepare() made. One thread at a time.
@@ -21,7 +24,8 @@ public:
     StagingFolder(const StagingFolder &) = delete;
     StagingFolder &operator=(const StagingFolder &) = delete;
 
-    /// Makes the folder, and the target where that is missing.
+    /// Makes the folder, and the target where that is missing. Clears away what killed processes
+    /// have left there, but first puts back what they took out of the target.
     [[nodiscard]] bool prepare();
     /// Where to unpack to.
     QString contentPath() const;
@@ -48,7 +52,8 @@ private:
         QString to;
     };
     QString m_target;
-    QString m_root; ///< empty until it is there
+    std::unique_ptr<StagingRoot> m_root;
+    std::chrono::milliseconds m_waited{0}; ///< for files that somebody held
     QStringList m_madeFolders;
     std::vector<Move> m_moves;
     bool m_isCommitted = false;

@@ -78,6 +78,8 @@ bool ZipDirectory::readRecords(const DirectoryPlace &place)
             return fail("the directory of the archive is damaged");
         if (static_cast<int>(m_records.size()) >= mostEntries)
             return fail("the archive has too many entries");
+        if (m_stop)
+            return fail("stopped");
         m_records.push_back(*record);
     }
     if (m_records.size() != place.count)
@@ -92,6 +94,8 @@ bool ZipDirectory::checkPlaces(qint64 directoryOffset)
 {
     qint64 free = 0;
     for (const CentralRecord &record : m_records) {
+        if (m_stop)
+            return fail("stopped");
         if (record.offset < free || record.packedBytes < 0 || record.bytes < 0)
             return fail(record, "the entry overlaps with another one");
         const auto local = readRange(m_file, record.offset, localBytes + record.name.size());
@@ -115,6 +119,8 @@ bool ZipDirectory::addEntry(const CentralRecord &record)
 {
     const NameCharset charset = record.flags & utf8Flag ? NameCharset::Utf8 : NameCharset::Unknown;
     const auto name = decodeName(record.name, charset);
+    if (m_stop)
+        return fail("stopped");
     if (!name)
         return fail(record, "the name is no UTF-8, though the archive says so");
     EntryHeader entry;

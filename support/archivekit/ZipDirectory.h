@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <vector>
 
 #include <QFile>
@@ -19,6 +20,9 @@ public:
     /// True if the file @p path begins like a zip file.
     static bool isZip(const QString &path);
 
+    /// Reading fails as soon as @p stop is set, which must outlive this object.
+    explicit ZipDirectory(const std::atomic<bool> &stop) : m_stop(stop) {}
+
     /// False if there is something wrong; failure() and failedEntry() then tell what.
     [[nodiscard]] bool read(const QString &path);
 
@@ -34,6 +38,7 @@ private:
     bool fail(const CentralRecord &record, const char *why);
     bool fail(const char *why);
 
+    const std::atomic<bool> &m_stop;
     QFile m_file;
     std::vector<CentralRecord> m_records;
     std::vector<EntryHeader> m_entries;

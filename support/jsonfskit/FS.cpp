@@ -9,6 +9,38 @@
 
 namespace FS {
 
+namespace {
+
+enum class Readers {
+    AsUsual,
+    OwnerOnly,
+};
+
+/// A file system without permissions takes none, and the file is written all the same.
+void closeToOthers(QFileDevice &file, const QString &folder)
+{
+    const bool isClosed =
+        QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner) &&
+        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+    Q_UNUSED(isClosed)
+}
+
+WriteResult replaceContent(const QString &path, const QByteArray &data, Readers readers)
+{
+    if (path.isEmpty() || !ensureFilePathExists(path))
+        return WriteResult::NotOpened;
+    QSaveFile file(path);
+    file.setDirectWriteFallback(true);
+    if (!file.open(QIODevice::WriteOnly))
+        return WriteResult::NotOpened;
+    if (readers == Readers::OwnerOnly)
+        closeToOthers(file, QFileInfo(path).absolutePath());
+    const bool isWritten = file.write(data) == data.size() && file.commit();
+    return isWritten ? WriteResult::Written : WriteResult::NotWritten;
+}
+
+} // namespace
+
 bool ensureFilePathExists(QString filePath)
 {
     return QDir().mkpath(QFileInfo(filePath).absolutePath());
@@ -27,11 +59,12 @@ std::optional<QByteArray> readFile(const QString &path)
 
 bool writeFile(const QString &path, const QByteArray &data)
 {
-    if (path.isEmpty() || !ensureFilePathExists(path))
-        return false;
-    QSaveFile file(path);
-    file.setDirectWriteFallback(true);
-    return file.open(QIODevice::WriteOnly) && file.write(data) == data.size() && file.commit();
+    return replaceContent(path, data, Readers::AsUsual) == WriteResult::Written;
+}
+
+WriteResult writePrivateFile(const QString &path, const QByteArray &data)
+{
+    return replaceContent(path, data, Readers::OwnerOnly);
 }
 
 RemovalResult removeFile(const QString &path)

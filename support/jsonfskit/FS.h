@@ -22,6 +22,17 @@ JSONFSKIT_EXPORT bool ensureFilePathExists(QString filePath);
 /// existing one is written directly; only there a failing disk can leave it torn.
 [[nodiscard]] JSONFSKIT_EXPORT bool writeFile(const QString &path, const QByteArray &data);
 
+enum class WriteResult {
+    Written,
+    NotOpened,  ///< no file can be had at this path; nothing has changed
+    NotWritten, ///< it could be had, but the disk did not take the data
+};
+
+/// As writeFile(), for what concerns nobody but the owner: on POSIX neither the file nor the folder
+/// that it lies in is open to others afterwards. On Windows the folders of the user see to that.
+[[nodiscard]] JSONFSKIT_EXPORT WriteResult writePrivateFile(const QString &path,
+                                                            const QByteArray &data);
+
 /// How a removal ended.
 struct RemovalResult
 {

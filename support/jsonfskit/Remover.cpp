@@ -1,10 +1,9 @@
 #include "support/jsonfskit/Remover.h"
 
 #include <QDir>
-#include <QElapsedTimer>
-#include <QThread>
 
 #include "platform/MachineInfo.h"
+#include "support/jsonfskit/HeldEntry.h"
 #include "support/jsonfskit/Log.h"
 
 namespace FS {
@@ -13,10 +12,6 @@ using platform::EntryKind;
 using platform::NativePath;
 
 namespace {
-
-// A caller hears within two seconds that an entry is held for good.
-constexpr std::chrono::milliseconds longestWait(1900);
-constexpr std::chrono::milliseconds pauseBetweenTries(20);
 
 QString absolute(const QString &path)
 {
@@ -161,14 +156,11 @@ bool Remover::removeAny(const NativePath &path, EntryKind kind)
 
 bool Remover::removeEntry(const NativePath &path, EntryKind kind)
 {
-    platform::RemovalAttempt attempt = platform::removeEntry(path, kind);
-    while (!attempt.removed && attempt.passing && m_waited < longestWait) {
-        QElapsedTimer waiting;
-        waiting.start();
-        QThread::msleep(static_cast<unsigned long>(pauseBetweenTries.count()));
+    platform::RemovalAttempt attempt;
+    tryWhileHeld(m_waited, [&] {
         attempt = platform::removeEntry(path, kind);
-        m_waited += std::chrono::milliseconds(waiting.elapsed());
-    }
+        return !attempt.removed && attempt.passing;
+    });
     if (!attempt.removed)
         fail(platform::fromNative(path), attempt.failure);
     return attempt.removed;

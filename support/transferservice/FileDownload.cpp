@@ -64,11 +64,10 @@ void FileDownload::stop()
 
 void FileDownload::removeFile()
 {
-    const bool wasRunning = m_transfer != nullptr;
     endTransfer();
     LocalCopy::removeAll(m_filePath);
     m_percent = 0;
-    if (wasRunning)
+    if (status() != DLStatus::Idle)
         changeDlStatus(DLStatus::Idle);
 }
 
@@ -123,7 +122,8 @@ void FileDownload::onEnded(bool isComplete)
         m_percent = 100;
         const QPointer<FileDownload> self(this);
         changeProgress(100);
-        if (!self || m_transfer)
+        const bool isStillComplete = self && !m_transfer && m_percent == 100;
+        if (!isStillComplete)
             return;
     }
     changeDlStatus(isComplete ? DLStatus::Finished : DLStatus::Failed);

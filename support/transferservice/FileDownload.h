@@ -27,7 +27,8 @@ struct TransferTiming
 /// Lives on the thread that made it, whose event loop has to run. Received bytes go to
 /// "<file>.part" as they come; the file appears by a rename when it is complete and its length and,
 /// where the server sent one, its digest are right: it is whole or absent, or still the whole older
-/// one. What a resumption and a revalidation need lies beside it in "<file>.state".
+/// one, also after a loss of power (files under 256 KiB are not synced to the disk before). What a
+/// resumption and a revalidation need lies beside it in "<file>.state".
 ///
 /// Passing faults (a dropped or refused connection, a stall, 408, 429, 5xx) are tried again from
 /// where the transfer stood; other HTTP errors and a full disk end in Failed and keep the part.

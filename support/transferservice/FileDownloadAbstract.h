@@ -42,8 +42,9 @@ public Q_SLOTS:
     virtual void start() = 0;
     /// Ends the transfer and keeps what was received.
     virtual void stop() = 0;
-    /// Ends the transfer and deletes the file and any partial data. May block for up to two
-    /// seconds per file when somebody holds one; what stays then is named on the log.
+    /// Ends the transfer and deletes the file and any partial data; the status becomes Idle. May
+    /// block for up to two seconds per file when somebody holds one; what stays then is named on
+    /// the log.
     virtual void removeFile() = 0;
 
 protected:

@@ -4,11 +4,16 @@
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <QPointer>
+#include <QThread>
 
+#include "support/jsonfskit/HeldEntry.h"
+#include "support/jsonfskit/Log.h"
 #include "support/transferservice/FileDigest.h"
 #include "support/transferservice/ReplyStream.h"
 #include "support/transferservice/ResponseHead.h"
 #include "support/transferservice/TransferPlace.h"
+
+using platform::RenameOutcome;
 
 namespace {
 
@@ -16,6 +21,8 @@ constexpr int ok = 200;
 constexpr int partialContent = 206;
 constexpr int notModified = 304;
 constexpr int rangeNotSatisfiable = 416;
+
+constexpr qint64 leastSyncedBytes = 256 * 1024;
 
 bool isHttp(const QUrl &url)
 {
@@ -125,7 +132,7 @@ void FileTransfer::onBody(const ResponseHead &head)
     if (head.status == partialContent) {
         if (!fitsPart(head))
             return dropAndRetry();
-        if (!m_copy.resumePart())
+        if (!m_copy.resumePart(head.record.totalBytes))
             return end(false);
     } else {
         if (m_copy.partBytes() > 0)
@@ -201,21 +208,48 @@ void FileTransfer::finishPart()
     endExchange();
     const AnnouncedDigest digest = m_copy.partRecord().digest;
     if (digest.algorithm.isEmpty())
-        return completePart();
+        return syncPart();
     m_digest = std::make_unique<FileDigest>(m_copy.partPath(), digest);
     connect(m_digest.get(), &FileDigest::compared, this, [this](bool isEqual) {
         m_digest.release()->deleteLater();
         if (isEqual)
-            completePart();
+            syncPart();
         else
             dropAndRetry();
     });
     m_digest->start();
 }
 
+/// A rename may reach the disk before the bytes do: after a loss of power, the file would be there
+/// with its full length and without its content. A thread of its own waits for the disk, and may
+/// outlive this object. Small files come by the hundred, and each would wait as long: they don't.
+void FileTransfer::syncPart()
+{
+    if (m_copy.partBytes() < leastSyncedBytes)
+        return completePart();
+    const auto isSynced = std::make_shared<bool>(false);
+    QThread *thread = QThread::create(
+        [isSynced, path = m_copy.partPath()] { *isSynced = platform::syncFile(path); });
+    connect(thread, &QThread::finished, this, [this, isSynced] {
+        if (*isSynced)
+            return completePart();
+        Log::warning(QLatin1String("download: the disk did not take ") + m_copy.partPath());
+        end(m_copy.dropPart() && false);
+    });
+    connect(thread, &QThread::finished, thread, &QObject::deleteLater);
+    thread->start();
+}
+
 void FileTransfer::completePart()
 {
-    end(m_copy.completePart());
+    const RenameOutcome outcome = m_copy.completePart();
+    if (outcome == RenameOutcome::Held && !m_held.isValid())
+        m_held.start();
+    if (outcome == RenameOutcome::Held && m_held.elapsed() < FS::longestHold.count())
+        return QTimer::singleShot(FS::pauseWhileHeld, this, &FileTransfer::completePart);
+    if (outcome == RenameOutcome::Held)
+        Log::warning(QLatin1String("download: somebody holds the file of ") + m_copy.partPath());
+    end(outcome == RenameOutcome::Renamed);
 }
 
 void FileTransfer::giveUp()

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
 #include <QUrl>
@@ -54,6 +55,7 @@ private:
     void dropAndRetry();
     void retry(const ResponseHead &head);
     void finishPart();
+    void syncPart();
     void completePart();
     void endExchange();
     void end(bool isComplete);
@@ -68,6 +70,7 @@ private:
     std::unique_ptr<TransferPlace> m_place; ///< while an exchange runs or waits for its turn
     std::unique_ptr<ReplyStream> m_stream;  ///< while an exchange runs
     std::unique_ptr<FileDigest> m_digest;   ///< while the part is compared
+    QElapsedTimer m_held;                   ///< since the part could not be renamed
     bool m_takesBody = false;               ///< the body of this exchange goes to the part
     qint64 m_arrivedBytes = 0;
 };

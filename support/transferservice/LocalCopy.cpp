@@ -3,14 +3,18 @@
 #include <QDateTime>
 #include <QFileInfo>
 
-#include "platform/FileEntry.h"
 #include "support/jsonfskit/FS.h"
 #include "support/jsonfskit/Log.h"
+
+using platform::RenameOutcome;
 
 namespace {
 
 /// Shorter files are fetched again as a whole, which spares them a write of the state file.
 constexpr qint64 leastResumedBytes = 256 * 1024;
+/// Of one write. From larger ones the system makes large blocks of its cache, out of memory that
+/// nothing has used lately, which on a virtual machine costs several times the copying itself.
+constexpr qint64 writtenAtOnceBytes = 64 * 1024;
 
 QString partPathOf(const QString &filePath)
 {
@@ -97,24 +101,24 @@ bool LocalCopy::beginPart(const DownloadRecord &record)
     m_state.part = record;
     m_state.part->url = m_url;
     const bool isWorthARecord = record.totalBytes < 0 || record.totalBytes >= leastResumedBytes;
-    if (!m_isStateOutdated && !isWorthARecord)
-        return true;
-    if (!writeDownloadState(statePathOf(m_filePath), m_state))
-        return complain("no state kept for ");
-    m_isStateOutdated = false;
-    return true;
+    return (!m_isStateOutdated && !isWorthARecord) || writeState();
 }
 
-bool LocalCopy::resumePart()
+bool LocalCopy::resumePart(qint64 totalBytes)
 {
-    return openPart(QIODevice::Append) || complain("cannot write ");
+    if (!openPart(QIODevice::Append))
+        return complain("cannot write ");
+    if (totalBytes < 0 || m_state.part->totalBytes >= 0)
+        return true;
+    m_state.part->totalBytes = totalBytes;
+    return writeState();
 }
 
 bool LocalCopy::append(const char *data, qint64 size)
 {
     qint64 done = 0;
     while (done < size) {
-        const qint64 written = m_part.write(data + done, size - done);
+        const qint64 written = m_part.write(data + done, qMin(size - done, writtenAtOnceBytes));
         if (written <= 0)
             return complain("cannot write ");
         done += written;
@@ -137,22 +141,27 @@ bool LocalCopy::dropPart()
     return bool(FS::removeFile(m_part.fileName()));
 }
 
-bool LocalCopy::completePart()
+RenameOutcome LocalCopy::completePart()
 {
     // An old part that was only resumed for its last byte would otherwise keep an old date.
     m_part.setFileTime(QDateTime::currentDateTime(), QFileDevice::FileModificationTime);
     m_part.close();
-    if (!isPartUntouched())
-        return complain("somebody else changed ");
-    if (!platform::replaceFile(m_part.fileName(), m_filePath))
-        return complain("cannot rename ");
+    if (!isPartUntouched()) {
+        complain("somebody else changed ");
+        return RenameOutcome::Failed;
+    }
+    const RenameOutcome outcome = platform::replaceFile(m_part.fileName(), m_filePath);
+    if (outcome != RenameOutcome::Renamed && outcome != RenameOutcome::Held)
+        complain("cannot rename ");
+    if (outcome != RenameOutcome::Renamed)
+        return outcome;
     // The record follows the file: one about a version that is not there yet would let an old file
     // pass for the new one.
     m_state.file = std::exchange(m_state.part, std::nullopt);
     m_partBytes = 0;
-    if (!writeDownloadState(statePathOf(m_filePath), m_state))
-        complain("no state kept for ");
-    return true;
+    // Without it the file is complete all the same.
+    writeState();
+    return outcome;
 }
 
 bool LocalCopy::openPart(QIODevice::OpenMode mode)
@@ -160,6 +169,12 @@ bool LocalCopy::openPart(QIODevice::OpenMode mode)
     m_part.close();
     // Unbuffered: what was written is the system's, also when this process is killed.
     return m_part.open(QIODevice::WriteOnly | QIODevice::Unbuffered | mode);
+}
+
+bool LocalCopy::writeState()
+{
+    m_isStateOutdated = !writeDownloadState(statePathOf(m_filePath), m_state);
+    return !m_isStateOutdated || complain("no state kept for ");
 }
 
 bool LocalCopy::complain(const char *what) const

@@ -4,6 +4,7 @@
 #include <QString>
 #include <QUrl>
 
+#include "platform/FileEntry.h"
 #include "support/transferservice/DownloadRecord.h"
 
 /// What the disk holds of one download: the complete file, the part, and the state file that tells
@@ -40,20 +41,23 @@ public:
     [[nodiscard]] bool makeResumable();
     /// Begins a new, empty part about @p record; what an old one held is gone.
     [[nodiscard]] bool beginPart(const DownloadRecord &record);
-    /// Appends to the part that is there.
     /// False if somebody else has changed or removed the part since it was last written.
     bool isPartUntouched() const;
-    [[nodiscard]] bool resumePart();
+    /// Opens the part that is there for append(). A part whose length was not known yet has
+    /// @p totalBytes, unless that is -1.
+    [[nodiscard]] bool resumePart(qint64 totalBytes);
     /// On false the part may have grown by less than @p size.
     [[nodiscard]] bool append(const char *data, qint64 size);
     [[nodiscard]] bool dropPart();
-    /// The part becomes the file, dated now.
-    [[nodiscard]] bool completePart();
+    /// The part becomes the file, dated now. While somebody holds one of them, nothing changes and
+    /// it is worth another try; does not wait.
+    [[nodiscard]] platform::RenameOutcome completePart();
     /// Lets go of the part, so that others may remove it.
     void closePart() { m_part.close(); }
 
 private:
     bool openPart(QIODevice::OpenMode mode);
+    bool writeState();
     bool complain(const char *what) const;
 
     const QString m_filePath;

@@ -1,3 +1,4 @@
+#include <future>
 #include <memory>
 #include <random>
 
@@ -135,6 +136,9 @@ private Q_SLOTS:
         refuses(tarOf({good, {"huge", "x", 0100644, 0, 0, 4000}}), "huge",
                 "the archive does not fit");
         refuses(tarOf({good, {"cut", QByteArray(9999, 'x')}}).left(4000), "cut");
+        QByteArray changed = archiveOf("paxr gzip", {good, {"noise", noise()}});
+        changed[700000] = char(~changed.at(700000));
+        refuses(changed);
         refuses(archiveOf("ustar gzip", Items(200001, {"many/", "", 040755})), "many/");
         refuses(zipOf({good, {""}}), "", "name is empty");
         refuses(zipOf({good}).chopped(9));
@@ -154,6 +158,28 @@ private Q_SLOTS:
         }
         m_target = m_root + "/plain/target";
         QVERIFY(!unpack(zipOf({{"x"}})));
+    }
+
+    void recoversWhatAKilledProcessLeft()
+    {
+        const QString dead = ".rivet-unpack-1/", alive = ".rivet-unpack-2/";
+        makeFiles(m_target, {"a/there", dead + "lock=999999\nx\n\n", dead + "new/a/half",
+                             dead + "old/a/there=older", dead + "old/a/lost=rescued",
+                             dead + "old/deep/lost", alive + "old/kept"});
+        QLockFile lock(m_target + '/' + alive + "lock");
+        QVERIFY(lock.lock());
+        QVERIFY(QDir().mkdir(m_target + "/.rivet-unpack-3"));
+        const LogCapture log;
+        QFile held(m_target + "/a/there"); // on Windows it can not be replaced before the end
+        QVERIFY(held.open(QIODevice::ReadOnly));
+        const auto release = std::async(std::launch::async, [&held] {
+            QThread::msleep(300);
+            held.close();
+        });
+        QVERIFY(unpack(zipOf({{"a/there", "new"}})));
+        lock.unlock();
+        QCOMPARE(treeOf(m_target), ".rivet-unpack-2 .rivet-unpack-2/old .rivet-unpack-2/old/kept "
+                                   ".rivet-unpack-3 a a/lost=rescued a/there=new deep deep/lost");
     }
 
     void isDestroyedHalfWay()

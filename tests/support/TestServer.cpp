@@ -135,7 +135,7 @@ private:
             return;
         m_left = -1;
         m_pause.stop();
-        if (has("cut") || has("noLength")) {
+        if (has("cut") || (has("noLength") && !has("stall"))) {
             later([this] { m_socket.disconnectFromHost(); });
         } else if (!has("stall")) {
             m_isAnswering = false;
@@ -229,7 +229,8 @@ void TestServer::incomingConnection(qintptr descriptor)
 
 TestServer::Answer TestServer::nextAnswer(const QString &path)
 {
-    QList<Answer> &answers = m_scripts[path];
+    const bool isWhole = m_scripts.contains(path);
+    QList<Answer> &answers = m_scripts[isWhole ? path : path.section('?', 0, 0)];
     if (answers.isEmpty())
         return {{}, {{"status", "404"}}};
     return answers.size() > 1 ? answers.takeFirst() : answers.first();

@@ -9,9 +9,9 @@
 ///
 ///     server.play("/file", body, "ETag=\"1\" cut=1024 then status=503 x=4 then");
 ///
-/// Each request for a path takes the next answer of its script; the last one stays. A path without
-/// a script is a 404. An answer gives what the request deserves (200, 206, 304 or 416), unless its
-/// words say otherwise:
+/// Each request for a path takes the next answer of its script; the last one stays. A path with a
+/// query takes that of the path alone if it has none itself. A path without a script is a 404. An
+/// answer gives what the request deserves (200, 206, 304 or 416), unless its words say otherwise:
 ///
 ///     status=N     this status; without a body, unless it is a 2xx
 ///     Name=value   this header, with "_" for a blank
@@ -21,7 +21,7 @@
 ///     stall=N      says nothing more after N bytes of the body
 ///     mute         says nothing at all
 ///     claim=N      what Content-Length says, whatever the body is
-///     noLength     says no length, and closes at the end
+///     noLength     says no length, and closes at the end, unless it stalls there
 ///     ignoreRange  knows no ranges
 ///     trickle=N    sends N bytes, then pauses for
 ///     pause=N      so many milliseconds, or one

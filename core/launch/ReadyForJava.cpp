@@ -1,0 +1,40 @@
+#include "core/launch/ReadyForJava.h"
+
+#include <QJsonObject>
+
+#include "core/foundation/JsonNumber.h"
+#include "core/resources/JavaListInfo.h"
+#include "support/coresupport/CSystemInfo.h"
+#include "support/jsonfskit/Log.h"
+
+void ReadyForJava::onTaskRun()
+{
+    MinecraftLaunchStep::onTaskRun();
+    setTaskBrief(tr("check java runtime environment"));
+    setStatus(tr("checking java runtime environment, please wait for a moment..."));
+    getReadyWithList(*JavaListInfo::GetInstance());
+}
+
+void ReadyForJava::getReadyForTask()
+{
+    const auto *list = JavaListInfo::GetInstance();
+    if (!list->isListUpdated()) {
+        Log::critical(QStringLiteral("java list have not be updated."));
+        failWithoutList();
+        return;
+    }
+    const QJsonObject java = list->javaInfoForSystem(CSystemInfo(nullptr).IsOs64());
+    const quint32 id = JsonNumber::toUInt(java[QLatin1String("id")]);
+    if (id == 0 || JsonNumber::toUInt(java[QLatin1String("type")]) != ResTypeJava) {
+        failWithoutList();
+        return;
+    }
+    followDescribed(ResourceKey::pack(id, ResTypeJava), java);
+    MinecraftLaunchStep::getReadyForTask();
+}
+
+void ReadyForJava::failWithoutList()
+{
+    setError(ErrResourceList);
+    emitFailed(tr("can not get resource list."));
+}
