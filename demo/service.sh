@@ -6,6 +6,7 @@ service_port=0
 
 # Under the port of the first start, for an address is part of what the launcher knows of a file.
 start_service() {
+    rm -f "$work/service.log" # of the start before, which tells the same
     "$bin/rivet-service" --port "$service_port" --state "$work/state" "$world" \
         >"$work/service.log" 2>&1 &
     service_process=$!
@@ -19,7 +20,7 @@ start_service() {
 
 stop_service() {
     [ -n "$service_process" ] || return 0
-    kill "$service_process"
+    kill "$service_process" || true
     wait "$service_process" || true
     service_process=
 }
