@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QEventLoop>
+#include <QTimer>
 
 #include "core/accounts/RivetLoginHost.h"
 #include "core/accounts/RivetUserList.h"
@@ -17,10 +18,24 @@
 #include "core/servers/MyMcGameInstMgr.h"
 #include "host/OfflineLogins.h"
 
+namespace {
+
+constexpr int lookMs = 5;
+
+} // namespace
+
 void runUntil(const std::function<bool()> &isDone)
 {
-    while (!isDone())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    if (isDone())
+        return;
+    QEventLoop loop;
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, &loop, [&] {
+        if (isDone())
+            loop.quit();
+    });
+    look.start(lookMs);
+    loop.exec();
 }
 
 Host::Host(Output &output) : m_output(output)

@@ -50,5 +50,5 @@ private:
     ResourceManager m_resources;
 };
 
-/// Runs the event loop until @p isDone() says true, asked after each turn.
+/// Runs the event loop until @p isDone() says true, asked every few milliseconds.
 void runUntil(const std::function<bool()> &isDone);
