@@ -4,7 +4,6 @@
 #include "core/config/GameResConfig.h"
 #include "core/deploy/DeployResRecorder.h"
 #include "core/foundation/FSH.h"
-#include "core/launch/MCInstanceObj.h"
 #include "core/launch/OrAuthServerInstanceInfo.h"
 #include "core/launch/ReadyForJava.h"
 #include "core/launch/ReadyForMinecraftFiles.h"
@@ -16,6 +15,7 @@
 #include "tests/support/ResManager.h"
 #include "tests/support/ServiceWorld.h"
 #include "tests/support/TaskJournal.h"
+#include "tests/support/TestInstance.h"
 
 namespace {
 
@@ -27,19 +27,6 @@ const QByteArray incompressible = [] {
     QRandomGenerator(1).fillRange(reinterpret_cast<quint32 *>(bytes.data()), bytes.size() / 4);
     return bytes;
 }();
-
-struct Instance : MCInstanceObj
-{
-    explicit Instance(const QString &folder) : dir(folder) {}
-    quint32 instanceId() override { return 9; }
-    QString instanceName() override { return "test"; }
-    QString clientVersion() override { return "1.8"; }
-    QString instanceDir() override { return dir; }
-    void start(QJsonObject) override {}
-    void stop() override {}
-
-    QString dir;
-};
 
 /// A service with resources, an instance, and a step that asks for mods, packs and shaders.
 struct World : ServiceWorld
@@ -87,7 +74,7 @@ struct World : ServiceWorld
         return sum;
     }
 
-    std::shared_ptr<Instance> instance = std::make_shared<Instance>(path("inst"));
+    std::shared_ptr<TestInstance> instance = std::make_shared<TestInstance>(path("inst"));
     std::shared_ptr<OrAuthServerInstanceInfo> info = std::make_shared<OrAuthServerInstanceInfo>();
     ResManager resources;
 };
@@ -213,9 +200,8 @@ private Q_SLOTS:
              [](World &w) { w.server.play("/file1", "", "status=404"); }},
             {"deleted meanwhile", "finished 0 download stop error 4", 5,
              [](World &w) {
-                 QTimer::singleShot(1, w.instance.get(), [&w] {
-                     w.resources.knownRes(1, mods)->deleteRes();
-                 });
+                 QTimer::singleShot(1, w.instance.get(),
+                                    [&w] { w.resources.knownRes(1, mods)->deleteRes(); });
              }},
             {"no archive", noDeploy, 85, [](World &w) { w.server.play("/file1", "?", ""); },
              "mods"},

@@ -10,13 +10,13 @@
 
 #include "core/config/GameResConfig.h"
 #include "core/deploy/DeployResRecorder.h"
-#include "core/launch/MCInstanceObj.h"
 #include "core/launch/OrAuthServerInstanceInfo.h"
 #include "core/launch/ReadyForOtherRes.h"
 #include "tests/support/Archives.h"
 #include "tests/support/ResManager.h"
 #include "tests/support/ServiceWorld.h"
 #include "tests/support/TaskJournal.h"
+#include "tests/support/TestInstance.h"
 
 namespace {
 
@@ -25,23 +25,10 @@ constexpr int settlingMs = 40; // what was on the wire at the abort still reache
 constexpr int quietMs = 60;
 constexpr int mostInFlight = 12; // six records and six files
 
-struct Instance : MCInstanceObj
-{
-    quint32 instanceId() override { return 9; }
-    QString instanceName() override { return {}; }
-    QString clientVersion() override { return {}; }
-    QString instanceDir() override { return dir; }
-    void start(QJsonObject) override {}
-    void stop() override {}
-
-    QString dir;
-};
-
 struct World : ServiceWorld
 {
     World()
     {
-        instance->dir = path("inst");
         info->id = 9;
         info->resTypes = {{ResTypeMods, {}}};
         DeployResRecorder::GetInstance()->init(path("deploy.cache"));
@@ -78,7 +65,7 @@ struct World : ServiceWorld
         return sum;
     }
 
-    std::shared_ptr<Instance> instance = std::make_shared<Instance>();
+    std::shared_ptr<TestInstance> instance = std::make_shared<TestInstance>(path("inst"));
     std::shared_ptr<OrAuthServerInstanceInfo> info = std::make_shared<OrAuthServerInstanceInfo>();
     qint64 wholeBytes = 0;
 };
