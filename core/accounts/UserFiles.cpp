@@ -51,16 +51,23 @@ QString percentEncoded(QChar character)
     return text;
 }
 
+/// How much of @p name is left when Windows has dropped the dots and blanks behind it.
+int keptLength(const QString &name)
+{
+    int length = name.size();
+    while (length > 0 && QLatin1String(". ").contains(name.at(length - 1)))
+        --length;
+    return length;
+}
+
 QString encoded(const QString &name, Capitals capitals)
 {
+    const int kept = keptLength(name);
     QString text;
     for (int i = 0; i < name.size(); ++i) {
         const QChar character = name.at(i);
-        // Windows drops these.
-        const bool isDropped = i == name.size() - 1 &&
-                               (character == QLatin1Char('.') || character == QLatin1Char(' '));
         const bool isCapital = character.isUpper() || character.isTitleCase();
-        if (isUnfit(character) || isDropped || (i == 0 && isReserved(name)) ||
+        if (isUnfit(character) || i >= kept || (i == 0 && isReserved(name)) ||
             (isCapital && capitals == Capitals::Encoded))
             text += percentEncoded(character);
         else

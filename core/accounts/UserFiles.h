@@ -6,9 +6,9 @@
 /// Where the stored logins lie: the one place that makes file names of user names.
 ///
 /// A name that a file name can hold on every system stays as it is. What it can't hold is
-/// percent-encoded, as UTF-8 with capital digits: / \ : * ? " < > | % and control characters, a dot
-/// or blank at the end, and the first character of a device's name or of the name of one of our own
-/// files. Where the file system takes the result for a folder of another spelling, capitals are
+/// percent-encoded, as UTF-8 with capital digits: / \ : * ? " < > | % and control characters, dots
+/// and blanks at the end, and the first character of a device's name or of the name of one of our
+/// own files. Where the file system takes the result for a folder of another spelling, capitals are
 /// encoded as well. If that does not help, if the name is too long, or if the system can't write
 /// it, "%-" and the SHA-256 of the name stand for it. So every user has a place of his own, below
 /// the folder, that stays the same from start to start.

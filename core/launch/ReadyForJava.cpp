@@ -10,9 +10,9 @@
 void ReadyForJava::onTaskRun()
 {
     MinecraftLaunchStep::onTaskRun();
-    setTaskBrief(tr("check java runtime environment"));
-    setStatus(tr("checking java runtime environment, please wait for a moment..."));
-    getReadyWithList(*JavaListInfo::GetInstance());
+    if (announce(tr("check java runtime environment"),
+                 tr("checking java runtime environment, please wait for a moment...")))
+        getReadyWithList(*JavaListInfo::GetInstance());
 }
 
 void ReadyForJava::getReadyForTask()

@@ -28,6 +28,8 @@ public:
     void updateList();
     bool isListUpdated() const { return m_isUpdated; }
 
+    /// All descriptions, in the order of the service.
+    QList<QJsonObject> gameClients() const { return m_clients; }
     /// The description of a client as the service sent it; empty if it lists no such one.
     QJsonObject gameClientInfo(uint id) const;
     /// The first client whose "ver" is exactly @p version.

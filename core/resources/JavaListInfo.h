@@ -30,6 +30,8 @@ public:
     void updateList();
     bool isListUpdated() const { return m_isUpdated; }
 
+    /// All descriptions, in the order of the service.
+    QList<QJsonObject> javas() const { return m_runtimes; }
     /// The description of a runtime as the service sent it; empty if it lists none of that id.
     QJsonObject javaInfo(uint id) const;
     /// The first runtime whose name holds "x64" or, without @p is64Bit, "x86"; else empty.

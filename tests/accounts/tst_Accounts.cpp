@@ -130,11 +130,9 @@ private Q_SLOTS:
             QVERIFY(!isIn || run.server.requests().last().headers["cookie"] == "a=c00kie");
         }
         const QString lines = log.lines().join('\n');
-        for (const char *line : {"network operation canceled, Operation canceled\n",
-                                 "user b\nnetwork error, Error transferring http"})
-            QVERIFY2(lines.contains(line), line);
-        for (const char *taboo :
-             {"secret", "5ebe2294", "KeepPw", "4aa31835", "tok3n", "c00kie", "?"})
+        QVERIFY(lines.contains("network operation canceled, Operation canceled\n"));
+        QVERIFY(lines.contains("user b\nnetwork error, Error transferring http"));
+        for (const char *taboo : {"secret", "5ebe2294", "KeepPw", "4aa318", "tok3n", "c00kie", "?"})
             QVERIFY2(!lines.contains(taboo), qPrintable(lines));
     }
 

@@ -199,6 +199,7 @@ private Q_SLOTS:
             int stage; // the last percent; -1 none
             std::function<void(World &)> arrange;
             QString tree = "";
+            QString abortAt = "never"; // by a listener
         };
         const QString noDownload = "finished 0 download failed error 3";
         const QString noDeploy = "finished 0 deploy failed error 5";
@@ -217,6 +218,8 @@ private Q_SLOTS:
             {"no instance", noDeploy, 85, [](World &w) { w.instance.reset(); }},
             {"no folder for it", noDeploy, 85, [](World &w) { w.instance->dir.clear(); }},
             {"no dependency", noDownload, 5, [](World &w) { w.offer(1, mods, "2;"); }},
+            {"aborted", "finished 0 user cancel error 1", -1, [](World &) {}, "", "checking"},
+            {"aborted late", "finished 0 user cancel error 1", 85, [](World &) {}, "", "extracti"},
         };
         for (const Row &row : rows) {
             World world;
@@ -225,6 +228,10 @@ private Q_SLOTS:
             world.want(1, mods);
             row.arrange(world);
             Run run(world);
+            connect(&run.step, &TaskAbstract::status, this, [&](const QString &status) {
+                if (status.startsWith(row.abortAt))
+                    run.step.abort();
+            });
             const LogCapture log;
             const QString end = run.play();
             QThreadPool::globalInstance()->waitForDone();
@@ -269,6 +276,7 @@ private Q_SLOTS:
         Run first(world), second(world);
         first.step.start();
         second.step.start();
+        second.step.abort();
         second.step.abort();
         QCOMPARE(first.ends(), succeeded);
         QCOMPARE(world.instanceTree().count("mods/f"), 12);

@@ -12,6 +12,9 @@ bool await(const Condition &isDone)
     QTimer ceiling;
     ceiling.setSingleShot(true);
     ceiling.start(20'000);
+    // On Windows events that other threads post do not always end the waiting.
+    QTimer look;
+    look.start(20);
     while (!isDone() && ceiling.isActive()) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

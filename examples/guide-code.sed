@@ -1,0 +1,4 @@
+# The C++ of a Markdown file.
+/^```cpp$/,/^```$/{
+    /^```/!p
+}

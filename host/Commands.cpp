@@ -1,0 +1,86 @@
+#include "host/Commands.h"
+
+#include <QDir>
+
+#include "core/foundation/Environment.h"
+#include "core/foundation/FSH.h"
+#include "core/foundation/MCSettings.h"
+#include "host/Host.h"
+
+namespace {
+
+constexpr Command table[] = {
+    {"login", "USER [--password-stdin]", "log in and stay logged in", 1, 1, &Commands::logIn},
+    {"logout", "[USER]", "forget a user, with all that lets him play offline", 0, 1,
+     &Commands::logOut},
+    {"accounts", "", "who has logged in on this machine", 0, 0, &Commands::accounts},
+    {"register", "USER CODE [--password-stdin]", "make an account; CODE is the verification code",
+     1, 2, &Commands::registerAccount},
+    {"clients", "", "the game clients that the service offers", 0, 0, &Commands::clients},
+    {"java", "", "the Java runtimes that the service offers", 0, 0, &Commands::java},
+    {"instances", "", "the instances of the user who is logged in", 0, 0, &Commands::instances},
+    {"resources",
+     "INSTANCE [list | add TYPE ID | remove TYPE ID | ignore TYPE ID | "
+     "unignore TYPE ID]",
+     "the resources of an instance; add and remove are the user's own, ignore switches a default "
+     "off",
+     1, 4, &Commands::resources},
+    {"launch", "INSTANCE", "make everything ready, start the game and stay until it ends", 1, 1,
+     &Commands::launch},
+    {"settings", "[KEY [VALUE]]", "show or change what the launcher remembers", 0, 2,
+     &Commands::settings},
+    {"version", "", "the version of the program", 0, 0, &Commands::version},
+    {nullptr, nullptr, nullptr, 0, 0, nullptr},
+};
+
+} // namespace
+
+namespace Commands {
+
+const Command *all()
+{
+    return table;
+}
+
+const Command *byName(const QString &name)
+{
+    const Command *command = table;
+    while (command->name && name != QLatin1String(command->name))
+        ++command;
+    return command->name ? command : nullptr;
+}
+
+int settings(Host &host, const QStringList &arguments)
+{
+    static const char *const keys[] = {"DataPath",        "ChangedDataDir",    "JavaPath",
+                                       "JavaParam",       "channel",           "notifyupdate",
+                                       "minimizeOnClose", "ShowTrayBalloonMsg"};
+    const auto store = Environment::GetInstance()->settings();
+    if (arguments.size() == 2) {
+        store->setValue(arguments[0], arguments[1]);
+        store->save();
+        // The new place is taken over, or dropped, as at a start.
+        if (arguments[0] == QLatin1String("ChangedDataDir"))
+            store->validateSettingValues();
+        return ExitGood;
+    }
+    QList<QStringList> rows;
+    for (const char *key : keys) {
+        const QString name = QString::fromLatin1(key);
+        if (arguments.isEmpty() || arguments[0] == name)
+            rows << QStringList{name, store->value(name, QVariant()).toString()};
+    }
+    host.output().table({QStringLiteral("key"), QStringLiteral("value")}, rows);
+    return rows.isEmpty() ? ExitFailed : ExitGood;
+}
+
+int version(Host &host, const QStringList &)
+{
+    const QString shown = FSH::getRivetDisplayVer();
+    const uint build = FSH::getRivetIntervalNumVer();
+    host.output().line(QStringLiteral("rivet %1 (build %2)").arg(shown).arg(build),
+                       {{QStringLiteral("version"), shown}, {QStringLiteral("build"), int(build)}});
+    return ExitGood;
+}
+
+} // namespace Commands

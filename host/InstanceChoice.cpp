@@ -1,0 +1,30 @@
+#include "host/InstanceChoice.h"
+
+#include <QCoreApplication>
+
+#include "core/servers/MyMcGameInstMgr.h"
+#include "host/Host.h"
+
+std::optional<InstanceChoice> InstanceChoice::known(const QString &word)
+{
+    auto *list = MyMcGameInstMgr::GetInstance();
+    for (const unsigned int id : list->getGameInstIdList()) {
+        if (word == QString::number(id) || word == list->getGameInstName(id))
+            return InstanceChoice{id, list->getGameInstanceInfo(id)};
+    }
+    return std::nullopt;
+}
+
+std::optional<InstanceChoice> InstanceChoice::find(Host &host, const QString &word)
+{
+    if (auto choice = known(word))
+        return choice;
+    if (host.logInRememberedUser() == Host::LoginOutcome::Refused)
+        return std::nullopt;
+    host.updateInstances();
+    auto choice = known(word);
+    if (!choice)
+        host.output().error(
+            QCoreApplication::translate("host", "there is no instance %1").arg(word));
+    return choice;
+}

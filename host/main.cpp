@@ -1,0 +1,100 @@
+// rivet: a launcher on the command line, and the example that host developers read.
+
+#include <cstdio>
+
+#include <QCoreApplication>
+#include <QSettings>
+
+#include "host/Commands.h"
+#include "host/Host.h"
+#include "platform/Terminal.h"
+#include "support/coresupport/ServiceUrls.h"
+
+namespace {
+
+void printUsage()
+{
+    std::puts("rivet - a launcher for Minecraft on the command line\n\n"
+              "usage: rivet [--json] [--service URL] [--verbose] COMMAND [ARGUMENT...]\n");
+    for (const Command *command = Commands::all(); command->name; ++command) {
+        std::printf("  %s %s\n      %s\n", command->name, command->arguments, command->summary);
+    }
+    std::puts(
+        "\n"
+        "  --json         one JSON object a line in the place of text\n"
+        "  --service URL  the web service; the variable RIVET_SERVICE_URL goes before it\n"
+        "  --verbose      the log of the core on the standard error output\n"
+        "  --help         this text\n\n"
+        "INSTANCE is the number or the name of an instance. TYPE is 1 mod, 2 save, 3 resource\n"
+        "pack, 7 other, 8 shader pack.\n\n"
+        "exit code: 0 done; 1 failed; 2 wrong usage; 130 cancelled. A launch that fails, and\n"
+        "a game that does, give 10 and the number of the error: 10 unknown, 12 no list of\n"
+        "resources, 13 download failed, 14 download stopped, 15 deployment failed, 16 the\n"
+        "game did not start, 17 it crashed, 18 or 19 other trouble with its process, 23 its\n"
+        "mods were changed while it ran, 24 log in again.\n\n"
+        "Ctrl-C aborts a launch, or ends the game, in good order; a second one at once.");
+}
+
+/// The log of the core is for developers.
+void dropLog(QtMsgType, const QMessageLogContext &, const QString &) {}
+
+/// Takes @p option out of @p arguments; true if it was there.
+bool takeFlag(QStringList &arguments, const char *option)
+{
+    return arguments.removeAll(QLatin1String(option)) > 0;
+}
+
+/// The same for one with a value behind it; empty if it was not there.
+QString takeValue(QStringList &arguments, const char *option)
+{
+    const int at = arguments.indexOf(QLatin1String(option));
+    if (at < 0 || at + 1 >= arguments.size())
+        return {};
+    arguments.removeAt(at);
+    return arguments.takeAt(at);
+}
+
+void setUp()
+{
+    QCoreApplication::setOrganizationName(QStringLiteral("oriel"));
+    QCoreApplication::setApplicationName(QStringLiteral("rivet"));
+    QSettings::setDefaultFormat(QSettings::IniFormat);
+    platform::Terminal::prepare();
+}
+
+int runCommand(QStringList arguments)
+{
+    const bool isJson = takeFlag(arguments, "--json");
+    Output output(isJson ? Output::Form::Json : Output::Form::Text);
+    if (!takeFlag(arguments, "--verbose"))
+        qInstallMessageHandler(&dropLog);
+    const QString service = takeValue(arguments, "--service");
+    if (!service.isEmpty() && !ServiceUrls::setBaseAddress(service)) {
+        output.error(
+            QCoreApplication::translate("host", "no address of a service: %1").arg(service));
+        return ExitUsage;
+    }
+    takeFlag(arguments, "--password-stdin"); // the commands look for it themselves
+    const Command *command = arguments.isEmpty() ? nullptr : Commands::byName(arguments[0]);
+    const int count = arguments.size() - 1;
+    if (!command || count < command->fewestArguments || count > command->mostArguments) {
+        output.error(QCoreApplication::translate("host", "see rivet --help"));
+        return ExitUsage;
+    }
+    Host host(output);
+    return command->run(host, arguments.mid(1));
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QCoreApplication application(argc, argv);
+    setUp();
+    QStringList arguments = QCoreApplication::arguments().mid(1);
+    if (arguments.isEmpty() || takeFlag(arguments, "--help")) {
+        printUsage();
+        return arguments.isEmpty() && argc < 2 ? ExitUsage : ExitGood;
+    }
+    return runCommand(arguments);
+}

@@ -1,0 +1,56 @@
+#include "platform/Terminal.h"
+
+#include <cstdio>
+
+#include <windows.h>
+
+namespace platform::Terminal {
+
+namespace {
+
+HANDLE output()
+{
+    return GetStdHandle(STD_OUTPUT_HANDLE);
+}
+
+} // namespace
+
+bool isInteractive()
+{
+    DWORD mode = 0;
+    return GetConsoleMode(output(), &mode) != 0;
+}
+
+void prepare()
+{
+    SetConsoleOutputCP(CP_UTF8);
+    DWORD mode = 0;
+    // 4: sequences that move the cursor, which Windows knows since version 10.
+    if (GetConsoleMode(output(), &mode))
+        SetConsoleMode(output(), mode | 4);
+}
+
+int columns()
+{
+    CONSOLE_SCREEN_BUFFER_INFO info;
+    return GetConsoleScreenBufferInfo(output(), &info) ? info.dwSize.X : 80;
+}
+
+std::optional<QString> readSecret(const QString &prompt)
+{
+    const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
+    DWORD before = 0;
+    if (!GetConsoleMode(input, &before))
+        return std::nullopt;
+    std::fputs(qUtf8Printable(prompt), stderr);
+    SetConsoleMode(input, before & ~DWORD(ENABLE_ECHO_INPUT));
+    wchar_t line[512];
+    DWORD length = 0;
+    const bool isRead = ReadConsoleW(input, line, 512, &length, nullptr) != 0;
+    SetConsoleMode(input, before);
+    std::fputs("\n", stderr);
+    return isRead ? std::optional<QString>(QString::fromWCharArray(line, int(length)).trimmed())
+                  : std::nullopt;
+}
+
+} // namespace platform::Terminal

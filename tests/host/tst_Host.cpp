@@ -1,0 +1,129 @@
+#include "support/coresupport/CSystemInfo.h"
+#include "tests/support/Archives.h"
+#include "tests/support/Await.h"
+#include "tests/support/Sandbox.h"
+#include "tests/support/TestFiles.h"
+#include "tests/support/TestServer.h"
+
+namespace {
+
+/// How one run of the command ended, and what it said.
+struct Outcome
+{
+    int exitCode = -1;
+    QString output;
+};
+
+} // namespace
+
+/// The real command in processes of its own, against a service of the test.
+class tst_Host : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase()
+    {
+        const bool isWindows = QSysInfo::productType() == "windows";
+        if (isWindows && !isWine())
+            QSKIP("would write into the user's own folders");
+        const QByteArray java =
+            FS::readFile(QStandardPaths::findExecutable("stub-java")).value_or("");
+        offer("/files/java", {{"jre/bin/javaw.exe", java, 0100755}});
+        offer("/files/client", {{".minecraft/versions/oriel1.8/1.8.bat", "-x\n%UserName%\n"}});
+        offer("/files/5", {{"a.jar", "mod"}});
+        say("/account/login", R"({"code":"1","ortoken":"t","oruser_profile":{"login":"Bob",
+                                  "user":{"bid":"7"}}})");
+        say("/game/auth", R"({"code":1,"token":"t","pname":"Bob","uuid":"u"})");
+        say("/servers/mine", R"(({"code":0,"data":[{"id":"9","name":"Mine","ver":"1.8",
+            "lines":["127.0.0.1:1"],"resources":[{"id":5,"type":1}]}]}))");
+        const QByteArray name = CSystemInfo(nullptr).IsOs64() ? "x64" : "x86";
+        say("/resources/java", R"({"code":0,"resource":{"java":[{"id":3,"type":4,"name":")" + name +
+                                   R"(","url":"BASE/files/java"}]}})");
+        say("/resources/clients", R"({"code":0,"game":[{"id":4,"type":101,"ver":"1.8","name":"c",
+                                      "url":"BASE/files/client"}]})");
+        say("/resources/info?id=5", R"({"code":0,"resource":{"id":5,"type":1,"name":"m",
+                                        "url":"BASE/files/5"}})");
+        // Both for the check of the Java and for the game.
+        qputenv("STUB_STEPS", "print os.arch|print java.version|args");
+        qputenv("DISPLAY", "");
+    }
+
+    void aWholeLaunch()
+    {
+        QCOMPARE(run("launch 9").exitCode, 24); // nobody is logged in
+        QCOMPARE(run("settings ChangedDataDir " + m_dir.filePath("data")).exitCode, 0);
+        const Outcome login = run("login bob --password-stdin", "secret\n");
+        QVERIFY2(login.exitCode == 0 && login.output.contains("account 7"), login.output.toUtf8());
+        QVERIFY(run("--json instances").output.contains(R"("name":"Mine")"));
+
+        Outcome first = run("--json launch Mine");
+        QVERIFY2(first.exitCode == 0, first.output.toUtf8());
+        for (const QString &line : first.output.trimmed().split('\n'))
+            QVERIFY2(QJsonDocument::fromJson(line.toUtf8()).isObject(), line.toUtf8());
+        QVERIFY(first.output.contains(R"("event":"done")"));
+        const QString instance = m_dir.filePath("data/instances/Mine(9)/");
+        QVERIFY(FS::readFile(instance + "mods/a.jar") == QByteArray("mod"));
+        QVERIFY(FS::readFile(instance + "game-output.log").value_or("").contains("[Bob]"));
+
+        const qint64 bytes = payloadBytes();
+        QCOMPARE(run("launch 9").exitCode, 0);
+        QCOMPARE(payloadBytes(), bytes);
+
+        QCOMPARE(run("resources 9 ignore 1 5").exitCode, 0);
+        QCOMPARE(run("launch 9").exitCode, 0);
+        QVERIFY(!QFile::exists(instance + "mods/a.jar"));
+        QCOMPARE(run("resources 9 unignore 1 5").exitCode, 0);
+
+        m_server.play("/", "", "gone");
+        const Outcome offline = run("launch 9");
+        QVERIFY2(offline.exitCode == 0 && offline.output.contains("the last session"),
+                 offline.output.toUtf8());
+        QVERIFY(QFile::exists(instance + "mods/a.jar"));
+        QCOMPARE(run("login bob --password-stdin", "guessed\n").exitCode, 1);
+        QCOMPARE(run("logout").exitCode, 0);
+        QCOMPARE(run("launch 9").exitCode, 24);
+    }
+
+    void wrongUsage()
+    {
+        for (const char *line : {"", "dance", "launch", "launch 1 2", "--service ftp://x version"})
+            QCOMPARE(run(line).exitCode, 2);
+        QVERIFY(run("version").output.startsWith("rivet 0."));
+    }
+
+private:
+    void offer(const QString &path, const Items &items)
+    {
+        m_server.play(path, archiveOf("zip", items), "ETag=\"1\"");
+    }
+    void say(const QString &path, QByteArray answer)
+    {
+        m_server.play(path, answer.replace("BASE", m_server.url("").toEncoded()), "");
+    }
+    qint64 payloadBytes() const
+    {
+        qint64 sum = 0;
+        for (const TestServer::Request &request : m_server.requests())
+            sum += request.path.startsWith("/files/") ? request.bodySentBytes : 0;
+        return sum;
+    }
+    Outcome run(const QString &line, const QByteArray &input = {})
+    {
+        QProcess process;
+        auto environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("RIVET_SERVICE_URL", m_server.url("").toString());
+        process.setProcessEnvironment(environment);
+        process.setProcessChannelMode(QProcess::MergedChannels);
+        process.start(QStandardPaths::findExecutable("rivet"), line.split(' ', Qt::SkipEmptyParts));
+        process.write(input);
+        process.closeWriteChannel();
+        await([&] { return process.state() == QProcess::NotRunning; });
+        return {process.exitCode(), QString::fromUtf8(process.readAll()).remove('\r')};
+    }
+
+    QTemporaryDir m_dir;
+    TestServer m_server;
+};
+
+RIVET_SANDBOXED_TEST_MAIN(tst_Host)
+#include "tst_Host.moc"
