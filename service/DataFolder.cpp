@@ -4,7 +4,6 @@
 #include <utility>
 
 #include <QFileInfo>
-#include <QMutexLocker>
 
 #include "support/jsonfskit/Exception.h"
 #include "support/jsonfskit/FS.h"
@@ -102,7 +101,7 @@ DataFolder::DataFolder(QString path) : m_path(std::move(path)) {}
 
 void DataFolder::setPlaceholder(const QByteArray &name, const QByteArray &value)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_placeholders.insert('{' + name + '}', value);
 }
 
@@ -118,7 +117,7 @@ Entry DataFolder::read(const QString &name)
     std::optional<QByteArray> text = FS::readFile(filePath(name));
     if (!text)
         throw Exception(name % QLatin1String(" can not be read"));
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard lock(m_mutex);
     for (auto it = m_placeholders.cbegin(); it != m_placeholders.cend(); ++it)
         text->replace(it.key(), it.value());
     return {name, Json::requireObject(Json::requireDocument(*text, name), name)};

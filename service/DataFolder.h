@@ -1,10 +1,11 @@
 #pragma once
 
+#include <mutex>
+
 #include <QHash>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QList>
-#include <QMutex>
 #include <QString>
 
 /// One object of a data file, read strictly: each reader throws Exception, whose cause names the
@@ -55,6 +56,6 @@ public:
 
 private:
     const QString m_path;
-    QMutex m_mutex;
+    std::mutex m_mutex;
     QHash<QByteArray, QByteArray> m_placeholders;
 };
