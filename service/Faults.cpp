@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr std::chrono::seconds second{1};
+constexpr std::chrono::milliseconds leastLatencyOfCuts{20};
 
 struct Word
 {
@@ -123,6 +123,9 @@ FaultPlan Faults::planFor(const QString &path)
     plan.latency = std::chrono::milliseconds(qint64(number("latency")));
     plan.drop = happens(number("drop"));
     plan.cut = happens(number("cut", hasCutAt ? 1 : 0));
+    // Without any latency Qt may send a request that breaks off again by itself, unnoticed.
+    if (plan.cut)
+        plan.latency = std::max(plan.latency, leastLatencyOfCuts);
     if (hasCutAt)
         plan.cutAt = qint64(number("cutAt"));
     if (happens(number("errorRate", 1)))

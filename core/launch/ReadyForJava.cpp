@@ -19,8 +19,7 @@ void ReadyForJava::getReadyForTask()
 {
     const auto *list = JavaListInfo::GetInstance();
     if (!list->isListUpdated()) {
-        Log::critical(QStringLiteral("java list have not be updated."));
-        failWithoutList();
+        failWithoutList(QStringLiteral("java list have not be updated."));
         return;
     }
     const QJsonObject java = list->javaInfoForSystem(CSystemInfo(nullptr).IsOs64());
@@ -33,8 +32,10 @@ void ReadyForJava::getReadyForTask()
     MinecraftLaunchStep::getReadyForTask();
 }
 
-void ReadyForJava::failWithoutList()
+void ReadyForJava::failWithoutList(const QString &line)
 {
     setError(ErrResourceList);
+    if (!line.isEmpty())
+        Log::critical(line);
     emitFailed(tr("can not get resource list."));
 }

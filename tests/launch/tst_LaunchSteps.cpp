@@ -211,6 +211,12 @@ private Q_SLOTS:
              [](World &w) { w.server.play("/resources/info?id=1", "", ""); }},
             {"no payload", noDownload, 5,
              [](World &w) { w.server.play("/file1", "", "status=404"); }},
+            {"deleted meanwhile", "finished 0 download stop error 4", 5,
+             [](World &w) {
+                 QTimer::singleShot(1, w.instance.get(), [&w] {
+                     w.resources.knownRes(1, mods)->deleteRes();
+                 });
+             }},
             {"no archive", noDeploy, 85, [](World &w) { w.server.play("/file1", "?", ""); },
              "mods"},
             {"blocked folder", noDeploy, 85, [](World &w) { makeFiles(w.path("inst"), {"mods"}); },
