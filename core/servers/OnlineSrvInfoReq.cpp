@@ -20,12 +20,6 @@
 
 namespace {
 
-QString requireText(const QJsonObject &json, const char *key)
-{
-    const QString name = QLatin1String(key);
-    return Json::requireString(json[name], name);
-}
-
 /// Runs @p read; false, with @p line on the log, if it can't read.
 template <typename Reader>
 bool reads(const char *line, const Reader &read)
@@ -148,14 +142,14 @@ bool OnlineSrvInfoReq::parseServer(const QJsonObject &server)
 {
     if (server.isEmpty())
         return true;
-    const bool isUsable = requireText(server, "status").toInt() == 0;
+    const bool isUsable = Json::requireString(server, "status").toInt() == 0;
     if (!isUsable && !g_GlobalDebugOptions.onlineAddressFilter)
         return true;
 
     tagOnlineSrvInfo info;
-    info.id = requireText(server, "id").toInt();
-    info.name = requireText(server, "name");
-    info.ver = requireText(server, "ver");
+    info.id = Json::requireString(server, "id").toInt();
+    info.name = Json::requireString(server, "name");
+    info.ver = Json::requireString(server, "ver");
     m_serverObjects[static_cast<unsigned int>(info.id)] = server;
     const QString address = QStringLiteral("address");
     if (Json::requireObject(server[address], address).isEmpty())
@@ -198,7 +192,7 @@ bool OnlineSrvInfoReq::parseSavesInfo(const QJsonObject &server, tagOnlineSrvInf
 {
     return reads("parse online saves failed.", [&] {
         info.saves.clear();
-        const QStringList tokens = requireText(server, "mods").split(QLatin1Char(';'));
+        const QStringList tokens = Json::requireString(server, "mods").split(QLatin1Char(';'));
         info.saves = savesIn(tokens);
         if (!info.ver.isEmpty())
             OnlineMapResConfig::GetInstance()->SetSrvDefaultResConfig(info.ver, modsIn(tokens));
