@@ -15,21 +15,15 @@
 
 namespace {
 
-/// The member @p key, which the service writes as a text even where it is a number.
-QString requireText(const QJsonObject &json, const char *key)
-{
-    const QString name = QLatin1String(key);
-    return Json::requireString(json[name], name);
-}
-
+// The service writes all numbers as texts.
 void readInto(RivetUserInfo &info, const QJsonObject &json)
 {
-    info.userId = static_cast<quint32>(requireText(json, "bid").toInt());
-    info.money = static_cast<quint32>(requireText(json, "money").toInt());
-    info.vipLevel = static_cast<quint16>(requireText(json, "VIPlevel").toInt());
-    info.vipDaysLeft = requireText(json, "deadLine").toInt();
-    info.vipEndTime =
-        static_cast<quint32>(JsonNumber::wholePart(requireText(json, "endTime").toDouble()));
+    info.userId = static_cast<quint32>(Json::requireString(json, "bid").toInt());
+    info.money = static_cast<quint32>(Json::requireString(json, "money").toInt());
+    info.vipLevel = static_cast<quint16>(Json::requireString(json, "VIPlevel").toInt());
+    info.vipDaysLeft = Json::requireString(json, "deadLine").toInt();
+    info.vipEndTime = static_cast<quint32>(
+        JsonNumber::wholePart(Json::requireString(json, "endTime").toDouble()));
 }
 
 } // namespace
