@@ -9,6 +9,7 @@
 #include "platform/FileLock.h"
 #include "support/coresupport/GlobalDebugOptions.h"
 #include "tests/support/Archives.h"
+#include "tests/support/FakeMachine.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Sandbox.h"
 #include "tests/support/TestFiles.h"
@@ -103,6 +104,23 @@ private Q_SLOTS:
         QCOMPARE(QDir(m_game).entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name),
                  QStringList({"a", used, used + ".lock", "{mine}"}));
         lock.reset();
+        QCOMPARE(deploy("unzip"), "");
+        QCOMPARE(treeOf(m_game), "a {mine} {mine}/x");
+        // Not looked for again, until a task leaves its own: a home stays.
+        makeFiles(m_game, {left + "/x"});
+        QCOMPARE(deploy("unzip"), "");
+        QVERIFY(QFileInfo::exists(m_game + '/' + left));
+        {
+            FakeMachine machine;
+            const auto task = make("unzip", 8, m_source, m_game);
+            connect(task.get(), &TaskAbstract::progress, [&] {
+                QStringList names = QDir(m_game).entryList({"{*-*}"}, QDir::Dirs);
+                names.removeOne(left);
+                machine.home = m_game + '/' + names.value(0);
+            });
+            task->run();
+            QVERIFY(task->successful() && QFileInfo::exists(machine.home));
+        }
         QCOMPARE(deploy("unzip"), "");
         QCOMPARE(treeOf(m_game), "a {mine} {mine}/x");
     }
