@@ -12,6 +12,9 @@ class LazySingleton;
 class RIVETCORE_EXPORT DeployGameResRecorder : public DepHistoryFlatFile
 {
 public:
+    /// Waits for the deployments that run, which fill it.
+    ~DeployGameResRecorder() override;
+
     static DeployGameResRecorder *GetInstance();
 
 protected:

@@ -11,6 +11,9 @@ class LazySingleton;
 class RIVETCORE_EXPORT DeployResRecorder : public DepHistoryFlatFile
 {
 public:
+    /// Waits for the deployments that run, which fill it.
+    ~DeployResRecorder() override;
+
     static DeployResRecorder *GetInstance();
 
 private:

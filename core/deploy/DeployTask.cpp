@@ -6,9 +6,21 @@
 #include <QFileInfo>
 #include <QMutex>
 #include <QMutexLocker>
+#include <QReadWriteLock>
 #include <QThread>
 
 #include "support/jsonfskit/Log.h"
+
+namespace {
+
+/// Held for reading by each run().
+QReadWriteLock &runs()
+{
+    static QReadWriteLock lock;
+    return lock;
+}
+
+} // namespace
 
 /// Outlives the task for as long as run() has not returned.
 struct DeployTask::Run
@@ -32,11 +44,17 @@ DeployTask::~DeployTask()
 
 void DeployTask::run()
 {
+    const QReadLocker running(&runs());
     const std::shared_ptr<Run> run = m_run;
     const QMutexLocker lock(&run->mutex);
     run->thread = QThread::currentThread();
     start();
     run->thread = nullptr;
+}
+
+void DeployTask::waitForRuns()
+{
+    const QWriteLocker untilReturned(&runs());
 }
 
 quint64 DeployTask::getDeployResKey() const

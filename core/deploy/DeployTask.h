@@ -33,6 +33,8 @@ public:
     ~DeployTask() override;
 
     void run() override;
+    /// Blocks until every run() that is under way has returned. Not from within one.
+    static void waitForRuns();
 
     quint64 getDeployResKey() const;
     quint64 getDeployTaskId() const;
