@@ -115,7 +115,8 @@ private Q_SLOTS:
         QCOMPARE(deploy("unzip", 9, m_source, m_game), "");
         QCOMPARE(treeOf(m_game), "a {mine} {mine}/x");
         makeFiles(m_game, {left + "/x"});
-        QCOMPARE(deploy("unzip") + QDir(m_game).entryList({left}).join(""), left);
+        QCOMPARE(deploy("unzip"), "");
+        QVERIFY(QFileInfo::exists(m_game + '/' + left));
     }
 
     void sixteenTasksShareAFolderAndAHistory()
