@@ -97,37 +97,44 @@ bool canBeWritten(const QString &fileName)
 
 } // namespace
 
-UserFiles::UserFiles(const QString &baseDir) : m_folder(baseDir % QLatin1String("/users/"))
+// Without a base directory this would be a folder of the system's; that of all homes on Windows.
+UserFiles::UserFiles(const QString &baseDir)
+    : m_folder(baseDir.isEmpty() ? QString() : baseDir % QLatin1String("/users/"))
 {
     lookAgain();
 }
 
 void UserFiles::lookAgain()
 {
-    m_entries = entriesOf(m_folder);
+    m_entries = m_folder.isEmpty() ? QSet<QString>() : entriesOf(m_folder);
 }
 
 QString UserFiles::usersFile() const
 {
-    return m_folder % usersFileName;
+    return m_folder.isEmpty() ? QString() : m_folder % usersFileName;
 }
 
 QString UserFiles::pendingSaveFile() const
 {
-    return m_folder % usersFileName % QLatin1String(".pending");
+    return m_folder.isEmpty() ? QString() : usersFile() % QLatin1String(".pending");
 }
 
 QString UserFiles::folderOf(const QString &userName) const
 {
-    return userName.isEmpty() ? QString() : m_folder % fileNameOf(userName);
+    return hasPlace(userName) ? m_folder % fileNameOf(userName) : QString();
 }
 
 QString UserFiles::recordOf(const QString &userName) const
 {
-    if (userName.isEmpty())
+    if (!hasPlace(userName))
         return {};
     const QString name = fileNameOf(userName);
     return m_folder % name % QLatin1Char('/') % name % recordSuffix;
+}
+
+bool UserFiles::hasPlace(const QString &userName) const
+{
+    return !userName.isEmpty() && !m_folder.isEmpty();
 }
 
 /// The form under which the user already has a folder, else the first that is free.

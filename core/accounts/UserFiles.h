@@ -18,7 +18,7 @@
 class UserFiles
 {
 public:
-    /// @p baseDir is the local data directory.
+    /// @p baseDir is the local data directory. Where it is empty, so are all paths.
     explicit UserFiles(const QString &baseDir);
 
     void lookAgain();
@@ -33,9 +33,10 @@ public:
     QString recordOf(const QString &userName) const;
 
 private:
+    bool hasPlace(const QString &userName) const;
     QString fileNameOf(const QString &userName) const;
     bool isTaken(const QString &fileName) const;
 
-    const QString m_folder; ///< with a separator at its end
+    const QString m_folder; ///< with a separator at its end, or empty
     QSet<QString> m_entries;
 };

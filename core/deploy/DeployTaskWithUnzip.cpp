@@ -86,9 +86,12 @@ void DeployTaskWithUnzip::onUnZipToTempFinished(bool success)
 
 void DeployTaskWithUnzip::removeTempFolder()
 {
-    if (!FS::removeTree(m_tempFolder))
+    const bool isGone(FS::removeTree(m_tempFolder));
+    if (!isGone)
         Log::critical(QLatin1String("remove ") % m_tempFolder % QLatin1String(" failed."));
     m_lock.reset();
+    if (!isGone)
+        UnpackFolder::sweepAgain(context().deployDir);
 }
 
 bool DeployTaskWithUnzip::canUnZipFinished()

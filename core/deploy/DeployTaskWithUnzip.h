@@ -12,8 +12,8 @@ class FileLock;
 /// files into place and records them. progress() counts unpacked bytes.
 ///
 /// The folder is named by a UUID in braces, and a lock file of that name beside it tells that a
-/// running task owns it. What tasks of ended processes left there goes when the next task for the
-/// directory starts.
+/// running task owns it. What tasks of ended processes left there goes when the first task of this
+/// process for the directory starts.
 class RIVETCORE_EXPORT DeployTaskWithUnzip : public DeployTask
 {
     Q_OBJECT

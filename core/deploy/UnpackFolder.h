@@ -21,7 +21,11 @@ bool isName(const QString &name);
 /// has no such locks; then nobody else gets it either.
 std::unique_ptr<platform::FileLock> lock(const QString &path);
 
-/// Removes what ended processes left behind in @p deployDir. Blocks.
+/// Removes what ended processes left behind in @p deployDir. Does nothing once a sweep of this
+/// process has left nothing there, for its own tasks clear up after themselves. Blocks.
 void sweep(const QString &deployDir);
+
+/// A task of this process has left something in @p deployDir, which the next sweep is to remove.
+void sweepAgain(const QString &deployDir);
 
 } // namespace UnpackFolder

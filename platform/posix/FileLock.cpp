@@ -1,5 +1,6 @@
 #include "platform/FileLock.h"
 
+#include <cerrno>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -46,8 +47,12 @@ std::unique_ptr<FileLock> FileLock::tryTake(const QString &absolutePath)
         if (file < 0)
             return nullptr;
         auto hold = std::make_unique<Hold>(path, file);
-        if (flock(file, LOCK_EX | LOCK_NB) != 0)
+        if (flock(file, LOCK_EX | LOCK_NB) != 0) {
+            // A file system without locks: nobody holds the file, and nobody ever would remove it.
+            if (errno != EWOULDBLOCK)
+                unlink(path.constData());
             return nullptr;
+        }
         if (hold->isInPlace())
             return std::unique_ptr<FileLock>(new FileLock(std::move(hold)));
     }

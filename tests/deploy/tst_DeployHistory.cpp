@@ -47,7 +47,7 @@ private Q_SLOTS:
         QVERIFY(load().queryRecord(m_folder + "/.", 4294967303, record));
         QCOMPARE(record.deployTime, time);
         QCOMPARE(record.deployFiles, (QHash<QString, QString>{{"b/\u4e2d", sum}}));
-        QVERIFY(!QFileInfo::exists(m_dir->filePath("second")));
+        QVERIFY(keys().size() == 1 && !QFileInfo::exists(m_dir->filePath("second")));
     }
 
     void takesOnlySoundItems()
@@ -114,7 +114,9 @@ private Q_SLOTS:
             const QStringList files{"a", "x.JAR", "y.json"};
             DeployGameResRecorder::GetInstance()->insertRecord(m_folder, 1, files, {}, false);
             DeployResRecorder::GetInstance()->insertRecord(m_folder, 2, files, {}, false);
+            DeployResRecorder::GetInstance()->clearAllRecord();
         }
+        QVERIFY(!FS::readFile(m_dir->filePath("ordinary"))->contains("resKey"));
         DeployRecordItem item;
         QVERIFY(load().queryRecord(m_folder, 1, item) && !item.deployFiles.contains("a"));
         QCOMPARE(item.deployFiles.size(), 2);

@@ -3,12 +3,14 @@
 #include "core/deploy/DeployCleanTr.h"
 #include "core/deploy/DeployCleanTrFacotry.h"
 #include "core/deploy/DeployJavaResTask.h"
+#include "core/deploy/DeployResRecorder.h"
 #include "core/deploy/DeployTaskWithCopyFile.h"
 #include "core/deploy/DeployTaskWithUnzipMd5.h"
 #include "core/foundation/MCSettings.h"
 #include "platform/FileLock.h"
 #include "support/coresupport/GlobalDebugOptions.h"
 #include "tests/support/Archives.h"
+#include "tests/support/FakeMachine.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Sandbox.h"
 #include "tests/support/TestFiles.h"
@@ -103,8 +105,18 @@ private Q_SLOTS:
         QCOMPARE(QDir(m_game).entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name),
                  QStringList({"a", used, used + ".lock", "{mine}"}));
         lock.reset();
-        QCOMPARE(deploy("unzip"), "");
+        // The next task clears that away, but leaves its own: it spares the home.
+        FakeMachine machine;
+        const auto task = make("unzip", 8, m_source, m_game);
+        connect(task.get(), &TaskAbstract::progress,
+                [&] { machine.home = m_game + '/' + QDir(m_game).entryList({"{*-*}"}).join(""); });
+        task->run();
+        machine.home.clear();
+        QCOMPARE(deploy("unzip", 9, m_source, m_game), "");
         QCOMPARE(treeOf(m_game), "a {mine} {mine}/x");
+        makeFiles(m_game, {left + "/x"});
+        QCOMPARE(deploy("unzip"), "");
+        QVERIFY(QFileInfo::exists(m_game + '/' + left));
     }
 
     void sixteenTasksShareAFolderAndAHistory()
@@ -122,6 +134,20 @@ private Q_SLOTS:
         saved.init(m_dir->filePath("deploy.cache"));
         for (auto *history : {m_history.get(), &saved})
             QCOMPARE(history->getDeployResInDeployFolder(m_game).size(), 16);
+    }
+
+    void aHistoryWaitsForItsDeployments()
+    {
+        auto core = std::make_unique<RivetCoreAtExitManagerUtil>();
+        QSemaphore started;
+        archive({{"a"}});
+        DeployTaskWithUnzip task({m_source, m_game, 7, 0, DeployResRecorder::GetInstance()});
+        task.setAutoDelete(false);
+        connect(&task, &TaskAbstract::progress, [&] { started.release(); });
+        QThreadPool::globalInstance()->start(&task);
+        started.acquire();
+        core.reset();
+        QVERIFY(task.isFinished());
     }
 
     void aJavaIsDeployedWhenItRuns()
