@@ -33,8 +33,6 @@ public:
     ~DeployTask() override;
 
     void run() override;
-    /// Blocks until every run() that is under way has returned. Not from within one.
-    static void waitForRuns();
 
     /// Blocks until no deployment of this process runs; for a history that is about to go.
     static void waitForRunning();
