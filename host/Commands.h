@@ -43,6 +43,9 @@ int instances(Host &host, const QStringList &arguments);
 int resources(Host &host, const QStringList &arguments);
 // Launch
 int launch(Host &host, const QStringList &arguments);
+// Store
+int store(Host &host, const QStringList &arguments);
+int vip(Host &host, const QStringList &arguments);
 // The program
 int settings(Host &host, const QStringList &arguments);
 int version(Host &host, const QStringList &arguments);
