@@ -60,7 +60,10 @@ bool openStore(Host &host)
     QObject context;
     QObject::connect(profile, &RivetUserProfile::refreshProfile, &context,
                      [&hasMoney] { hasMoney = true; });
-    if (host.logInRememberedUser() != Host::LoginOutcome::Online)
+    const Host::LoginOutcome login = host.logInRememberedUser();
+    if (login == Host::LoginOutcome::Offline)
+        host.output().error(text("the service can not be reached"));
+    if (login != Host::LoginOutcome::Online)
         return false;
     if (!fetchCatalogue(host))
         return false;
@@ -253,11 +256,14 @@ int store(Host &host, const QStringList &arguments)
 
 int vip(Host &host, const QStringList &)
 {
-    if (host.logInRememberedUser() == Host::LoginOutcome::Refused)
+    const Host::LoginOutcome login = host.logInRememberedUser();
+    if (login == Host::LoginOutcome::Refused)
         return ExitFailed;
     auto *table = VipWelfareInfo::GetInstance();
-    table->UpdateList();
-    waitFor([table] { return table->IsListUpdated(); });
+    if (login == Host::LoginOutcome::Online) {
+        table->UpdateList();
+        waitFor([table] { return table->IsListUpdated(); });
+    }
     QList<QStringList> rows;
     constexpr unsigned int highestLevel = 99;
     for (unsigned int level = 1; level <= highestLevel; ++level) {
@@ -265,10 +271,11 @@ int vip(Host &host, const QStringList &)
         if (welfare.vipLevel == level)
             rows << welfareRow(welfare);
     }
-    if (rows.isEmpty() && !table->IsListUpdated()) {
-        host.output().error(text("the list can not be had"));
+    if (!table->IsListUpdated())
+        host.output().error(rows.isEmpty() ? text("the list can not be had")
+                                           : text("the list can not be had; this is how it was"));
+    if (rows.isEmpty() && !table->IsListUpdated())
         return ExitFailed;
-    }
     host.output().table({QStringLiteral("level"), QStringLiteral("discount"),
                          QStringLiteral("room"), QStringLiteral("price"),
                          QStringLiteral("welfare")},
