@@ -11,26 +11,10 @@
 #include "core/deploy/DeployResRecorder.h"
 #include "core/foundation/Environment.h"
 #include "core/foundation/MCSettings.h"
-#include "core/launch/MCInstanceObj.h"
 #include "core/launch/OrAuthServerInstanceInfo.h"
 #include "core/launch/ReadyForOtherRes.h"
 #include "tests/support/ResManager.h"
-
-namespace {
-
-struct Instance : MCInstanceObj
-{
-    quint32 instanceId() override { return 9; }
-    QString instanceName() override { return {}; }
-    QString clientVersion() override { return {}; }
-    QString instanceDir() override { return dir; }
-    void start(QJsonObject) override {}
-    void stop() override {}
-
-    QString dir;
-};
-
-} // namespace
+#include "tests/support/TestInstance.h"
 
 // One step that downloads and deploys the mods 1 to N of the service at RIVET_SERVICE_URL into a
 // fresh folder: rivet-bench-launch-step N
@@ -50,8 +34,7 @@ int main(int argc, char **argv)
     const auto info = std::make_shared<OrAuthServerInstanceInfo>();
     info->id = 9;
     info->resTypes = {{ResTypeMods, {}}};
-    const auto instance = std::make_shared<Instance>();
-    instance->dir = dir.filePath(QStringLiteral("instance"));
+    const auto instance = std::make_shared<TestInstance>(dir.filePath(QStringLiteral("instance")));
 
     ResManager resources;
     ReadyForOtherRes step(info, instance, &resources, nullptr);

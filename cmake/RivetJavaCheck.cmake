@@ -4,17 +4,12 @@
 #     target_link_libraries(host PRIVATE RivetJavaCheck)
 # A host outside of this tree finds JavaCheck.qrc and JavaCheck.jar in <prefix>/share/rivet.
 
-find_package(Java 11 REQUIRED COMPONENTS Development)
+include(RivetJar)
 
-set(java_check_source "${PROJECT_SOURCE_DIR}/core/deploy/JavaCheck.java")
 set(java_check_dir "${CMAKE_BINARY_DIR}/java-check")
 # Runs on Java 8 already, which old game clients ask for.
-add_custom_command(OUTPUT "${java_check_dir}/JavaCheck.jar"
-    COMMAND "${Java_JAVAC_EXECUTABLE}" --release 8 -Xlint:-options
-            -d "${java_check_dir}/classes" "${java_check_source}"
-    COMMAND "${Java_JAR_EXECUTABLE}" cfe "${java_check_dir}/JavaCheck.jar" JavaCheck
-            -C "${java_check_dir}/classes" .
-    DEPENDS "${java_check_source}" VERBATIM)
+rivet_add_jar("${java_check_dir}/JavaCheck.jar" RELEASE 8 MAIN JavaCheck
+    SOURCES "${PROJECT_SOURCE_DIR}/core/deploy/JavaCheck.java")
 configure_file("${PROJECT_SOURCE_DIR}/core/deploy/JavaCheck.qrc"
                "${java_check_dir}/JavaCheck.qrc" COPYONLY)
 qt5_add_resources(java_check_sources "${java_check_dir}/JavaCheck.qrc")

@@ -41,6 +41,12 @@ int clients(Host &host, const QStringList &arguments);
 int java(Host &host, const QStringList &arguments);
 int instances(Host &host, const QStringList &arguments);
 int resources(Host &host, const QStringList &arguments);
+// Servers
+int servers(Host &host, const QStringList &arguments);
+int ping(Host &host, const QStringList &arguments);
+int maps(Host &host, const QStringList &arguments);
+int mask(Host &host, const QStringList &arguments);
+int tip(Host &host, const QStringList &arguments);
 // Launch
 int launch(Host &host, const QStringList &arguments);
 // Store

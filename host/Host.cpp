@@ -9,6 +9,7 @@
 #include "core/accounts/RivetUserLoginInfoHelper.h"
 #include "core/accounts/RivetUserProfile.h"
 #include "core/config/GameResConfig.h"
+#include "core/config/OnlineMapResConfig.h"
 #include "core/deploy/DeployGameResRecorder.h"
 #include "core/deploy/DeployResRecorder.h"
 #include "core/foundation/Environment.h"
@@ -45,6 +46,7 @@ Host::Host(Output &output) : m_output(output)
     DeployResRecorder::GetInstance()->init(local % QLatin1String("/deploy.cache"));
     DeployGameResRecorder::GetInstance()->init(local % QLatin1String("/deploygame.cache"));
     GameResConfig::GetInstance()->initialize(local % QLatin1String("/gameres.config"));
+    OnlineMapResConfig::GetInstance()->initialize(local % QLatin1String("/mapres.config"));
     RivetLoginHost::GetInstance()->changeInitLoginState();
 }
 

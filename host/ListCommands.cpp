@@ -1,7 +1,6 @@
 #include <QCoreApplication>
 #include <QNetworkReply>
 
-#include "core/config/GRC.h"
 #include "core/config/GameResConfig.h"
 #include "core/resources/GameClientListInfo.h"
 #include "core/resources/JavaListInfo.h"
@@ -9,6 +8,7 @@
 #include "host/Commands.h"
 #include "host/Host.h"
 #include "host/InstanceChoice.h"
+#include "host/ResourceWords.h"
 
 namespace {
 
@@ -37,42 +37,13 @@ QStringList rowOf(const QJsonObject &record)
 const QStringList recordHead{QStringLiteral("id"), QStringLiteral("name"), QStringLiteral("ver"),
                              QStringLiteral("description")};
 
-QStringList resourceRow(quint32 type, uint id, const char *origin, Host &host)
-{
-    const auto object = host.resources().knownRes(id, type);
-    return {QString::number(type), QString::number(id), object ? object->name() : QString(),
-            QString::fromLatin1(origin)};
-}
-
-void listResources(Host &host, quint32 instance)
-{
-    host.loadResources();
-    const auto *config = GameResConfig::GetInstance();
-    const QSet<quint64> ignored = config->getIgnoredRemoteDefaultGameInstCfgList(instance);
-    QList<QStringList> rows;
-    for (const quint64 key : config->getRemoteDefaultGameInstCfgList(instance))
-        rows << resourceRow(ResourceKey::typeOf(key), ResourceKey::idOf(key),
-                            ignored.contains(key) ? "ignored" : "default", host);
-    for (const quint64 key : config->getCustomGameInstCfgList(instance))
-        rows << resourceRow(ResourceKey::typeOf(key), ResourceKey::idOf(key), "own", host);
-    std::sort(rows.begin(), rows.end());
-    host.output().table({QStringLiteral("type"), QStringLiteral("id"), QStringLiteral("name"),
-                         QStringLiteral("origin")},
-                        rows);
-}
-
 using Change = void (GameResConfig::*)(unsigned int, const QSet<quint64> &, bool);
 
-Change changeNamed(const QString &name)
+Change changeNamed(const QString &action)
 {
-    if (name == QLatin1String("add"))
-        return &GameResConfig::setGameInstanceConfig;
-    if (name == QLatin1String("remove"))
-        return &GameResConfig::unSetGameInstanceConfig;
-    if (name == QLatin1String("ignore"))
-        return &GameResConfig::setIgnoredRemoteGameInstCfg;
-    return name == QLatin1String("unignore") ? &GameResConfig::unSetIgnoredRemoteGameInstCfg
-                                             : nullptr;
+    return ResourceWords::choose<Change>(
+        action, &GameResConfig::setGameInstanceConfig, &GameResConfig::unSetGameInstanceConfig,
+        &GameResConfig::setIgnoredRemoteGameInstCfg, &GameResConfig::unSetIgnoredRemoteGameInstCfg);
 }
 
 } // namespace
@@ -121,18 +92,18 @@ int resources(Host &host, const QStringList &arguments)
     const auto instance = InstanceChoice::find(host, arguments[0]);
     if (!instance)
         return ExitFailed;
+    const auto *config = GameResConfig::GetInstance();
     const QString action = arguments.value(1, QStringLiteral("list"));
     if (action == QLatin1String("list")) {
-        listResources(host, instance->id);
+        ResourceWords::list(host, config->getRemoteDefaultGameInstCfgList(instance->id),
+                            config->getIgnoredRemoteDefaultGameInstCfgList(instance->id),
+                            config->getCustomGameInstCfgList(instance->id));
         return ExitGood;
     }
     const Change change = changeNamed(action);
-    const quint64 key =
-        ResourceKey::pack(arguments.value(3).toUInt(), ResType(arguments.value(2).toUInt()));
-    if (!change || ResourceKey::idOf(key) == 0 || ResourceKey::typeOf(key) == 0) {
-        host.output().error(QCoreApplication::translate("host", "see rivet --help"));
-        return ExitUsage;
-    }
+    const quint64 key = ResourceWords::keyIn(arguments.mid(2));
+    if (!change || key == 0)
+        return ResourceWords::complain(host);
     (GameResConfig::GetInstance()->*change)(instance->id, {key}, true);
     return ExitGood;
 }

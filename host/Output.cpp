@@ -71,7 +71,9 @@ void Output::table(const QStringList &head, const QList<QStringList> &rows) cons
         QString text;
         for (int column = 0; column < head.size(); ++column)
             text += row.value(column).leftJustified(widths[column] + 2);
-        print(text.trimmed() % QLatin1Char('\n'));
+        while (text.endsWith(QLatin1Char(' ')))
+            text.chop(1);
+        print(text % QLatin1Char('\n'));
     };
     if (m_form == Form::Text)
         printRow(head);

@@ -4,7 +4,6 @@
 
 #include <QFileInfo>
 #include <QJsonDocument>
-#include <QMutexLocker>
 
 #include "service/Exchange.h"
 #include "support/jsonfskit/Exception.h"
@@ -82,13 +81,13 @@ Entry AccountStore::find(quint32 bid)
 
 Entry AccountStore::account(quint32 bid)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard lock(m_mutex);
     return find(bid);
 }
 
 Entry AccountStore::account(const QString &user)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard lock(m_mutex);
     for (const Entry &account : all()) {
         if (account.text(QStringLiteral("user")) == user)
             return account;
@@ -98,7 +97,7 @@ Entry AccountStore::account(const QString &user)
 
 QJsonObject AccountStore::change(quint32 bid, const std::function<QJsonObject(QJsonObject &)> &step)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard lock(m_mutex);
     const QJsonObject before = find(bid).object();
     QJsonObject after = before;
     const QJsonObject result = step(after);
@@ -116,7 +115,7 @@ QJsonObject AccountStore::change(quint32 bid, const std::function<QJsonObject(QJ
 
 void AccountStore::add(QJsonObject account)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard lock(m_mutex);
     qint64 bid = firstBid;
     for (const Entry &known : all()) {
         if (known.text(QStringLiteral("user")) == account.value(QLatin1String("user")).toString())
@@ -131,6 +130,6 @@ void AccountStore::add(QJsonObject account)
 
 void AccountStore::reset()
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard lock(m_mutex);
     write({});
 }

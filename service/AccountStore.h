@@ -1,8 +1,7 @@
 #pragma once
 
 #include <functional>
-
-#include <QMutex>
+#include <mutex>
 
 #include "service/DataFolder.h"
 
@@ -35,5 +34,5 @@ private:
 
     DataFolder &m_data;
     const QString m_stateFile;
-    QMutex m_mutex;
+    std::mutex m_mutex;
 };

@@ -2,7 +2,6 @@
 
 #include <QCryptographicHash>
 #include <QDateTime>
-#include <QMutexLocker>
 #include <QUuid>
 #include <QVersionNumber>
 
@@ -92,7 +91,7 @@ QJsonObject Accounts::verifyCode(const Call &call)
     const QString user = call.text(QStringLiteral("user"));
     if (call.text(QStringLiteral("code")) != right)
         throw Refusal{Refusal::WrongVerification, QStringLiteral("wrong verification code")};
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_verified.insert(user);
     return {{QStringLiteral("code"), 0}};
 }
@@ -101,7 +100,7 @@ QJsonObject Accounts::enrol(const Call &call)
 {
     const QString user = call.text(QStringLiteral("user"));
     {
-        const QMutexLocker lock(&m_mutex);
+        const std::lock_guard lock(m_mutex);
         if (!m_verified.contains(user))
             throw Refusal{Refusal::WrongVerification, QStringLiteral("check the code first")};
     }
@@ -113,7 +112,7 @@ QJsonObject Accounts::enrol(const Call &call)
     account.insert(QStringLiteral("user"), user);
     account.insert(QStringLiteral("passwordMd5"), md5Of(call.text(QStringLiteral("password"))));
     m_store.add(account);
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_verified.remove(user);
     return {{QStringLiteral("code"), 0}};
 }

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QMutex>
+#include <mutex>
+
 #include <QSet>
 
 #include "service/AccountStore.h"
@@ -21,6 +22,6 @@ public:
 private:
     DataFolder &m_data;
     AccountStore &m_store;
-    QMutex m_mutex;
+    std::mutex m_mutex;
     QSet<QString> m_verified; ///< user names whose code was right, until they are registered
 };

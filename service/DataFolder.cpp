@@ -4,7 +4,6 @@
 #include <utility>
 
 #include <QFileInfo>
-#include <QMutexLocker>
 
 #include "support/jsonfskit/Exception.h"
 #include "support/jsonfskit/FS.h"
@@ -102,9 +101,8 @@ DataFolder::DataFolder(QString path) : m_path(std::move(path)) {}
 
 void DataFolder::setPlaceholder(const QByteArray &name, const QByteArray &value)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_placeholders.insert('{' + name + '}', value);
-    m_known.clear();
 }
 
 QString DataFolder::filePath(const QString &name) const
@@ -114,26 +112,13 @@ QString DataFolder::filePath(const QString &name) const
 
 Entry DataFolder::read(const QString &name)
 {
-    const QFileInfo info(filePath(name));
-    if (!info.exists())
+    if (!QFileInfo::exists(filePath(name)))
         return {name, {}};
-    const QMutexLocker lock(&m_mutex);
-    Known &known = m_known[name];
-    if (known.changed != info.lastModified() || known.sizeBytes != info.size()) {
-        known.sizeBytes = -1; // a broken file is looked at each time
-        known.object = parse(name);
-        known.changed = info.lastModified();
-        known.sizeBytes = info.size();
-    }
-    return {name, known.object};
-}
-
-QJsonObject DataFolder::parse(const QString &name) const
-{
     std::optional<QByteArray> text = FS::readFile(filePath(name));
     if (!text)
         throw Exception(name % QLatin1String(" can not be read"));
+    const std::lock_guard lock(m_mutex);
     for (auto it = m_placeholders.cbegin(); it != m_placeholders.cend(); ++it)
         text->replace(it.key(), it.value());
-    return Json::requireObject(Json::requireDocument(*text, name), name);
+    return {name, Json::requireObject(Json::requireDocument(*text, name), name)};
 }

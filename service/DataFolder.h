@@ -1,11 +1,11 @@
 #pragma once
 
-#include <QDateTime>
+#include <mutex>
+
 #include <QHash>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QList>
-#include <QMutex>
 #include <QString>
 
 /// One object of a data file, read strictly: each reader throws Exception, whose cause names the
@@ -38,8 +38,8 @@ private:
     QJsonObject m_object;
 };
 
-/// The folder of plain files that a host developer edits. A file is read again when it has
-/// changed. Any thread.
+/// The folder of plain files that a host developer edits. A file is read whenever it is asked for,
+/// so a change counts at once. Any thread.
 class DataFolder
 {
 public:
@@ -55,16 +55,7 @@ public:
     QString filePath(const QString &name) const;
 
 private:
-    struct Known
-    {
-        QDateTime changed;
-        qint64 sizeBytes = -1;
-        QJsonObject object;
-    };
-    QJsonObject parse(const QString &name) const;
-
     const QString m_path;
-    QMutex m_mutex;
+    std::mutex m_mutex;
     QHash<QByteArray, QByteArray> m_placeholders;
-    QHash<QString, Known> m_known;
 };

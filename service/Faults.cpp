@@ -2,14 +2,13 @@
 
 #include <thread>
 
-#include <QMutexLocker>
 #include <QRandomGenerator>
 
 #include "service/Exchange.h"
 
 namespace {
 
-constexpr std::chrono::seconds second{1};
+constexpr std::chrono::milliseconds leastLatencyOfCuts{20};
 
 struct Word
 {
@@ -52,7 +51,7 @@ void BandwidthLimit::wait(qint64 bytes)
 {
     Clock::time_point until;
     {
-        const QMutexLocker lock(&m_mutex);
+        const std::lock_guard lock(m_mutex);
         const std::chrono::duration<double> share(double(bytes) / double(m_bytesPerSecond));
         m_free = std::max(m_free, Clock::now());
         m_free += std::chrono::duration_cast<Clock::duration>(share);
@@ -82,7 +81,7 @@ void Faults::command(const QUrlQuery &words)
     rule.timesLeft = qint64(number("times"));
     if (number("rate") > 0)
         rule.limit = std::make_shared<BandwidthLimit>(qint64(number("rate")));
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_rules.erase(path);
     if (!rule.words.isEmpty())
         m_rules.emplace(path, rule);
@@ -90,13 +89,13 @@ void Faults::command(const QUrlQuery &words)
 
 void Faults::clear()
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_rules.clear();
 }
 
 QJsonObject Faults::toJson() const
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard lock(m_mutex);
     QJsonObject faults;
     for (const auto &[path, rule] : m_rules)
         faults.insert(path, rule.words);
@@ -105,7 +104,7 @@ QJsonObject Faults::toJson() const
 
 FaultPlan Faults::planFor(const QString &path)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard lock(m_mutex);
     // Backwards in order, the longer of two beginnings comes first.
     auto rule = m_rules.rbegin();
     while (rule != m_rules.rend() && !path.startsWith(rule->first))
@@ -123,6 +122,9 @@ FaultPlan Faults::planFor(const QString &path)
     plan.latency = std::chrono::milliseconds(qint64(number("latency")));
     plan.drop = happens(number("drop"));
     plan.cut = happens(number("cut", hasCutAt ? 1 : 0));
+    // Without any latency Qt may send a request that breaks off again by itself, unnoticed.
+    if (plan.cut)
+        plan.latency = std::max(plan.latency, leastLatencyOfCuts);
     if (hasCutAt)
         plan.cutAt = qint64(number("cutAt"));
     if (happens(number("errorRate", 1)))

@@ -3,10 +3,10 @@
 #include <chrono>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 
 #include <QJsonObject>
-#include <QMutex>
 #include <QString>
 #include <QUrlQuery>
 
@@ -25,7 +25,7 @@ private:
     using Clock = std::chrono::steady_clock;
 
     const qint64 m_bytesPerSecond;
-    QMutex m_mutex;
+    std::mutex m_mutex;
     Clock::time_point m_free = Clock::now();
 };
 
@@ -65,6 +65,6 @@ private:
         std::shared_ptr<BandwidthLimit> limit;
     };
 
-    mutable QMutex m_mutex;
+    mutable std::mutex m_mutex;
     std::map<QString, Rule> m_rules;
 };

@@ -84,14 +84,14 @@ private:
             const std::optional<quint32> length = reader.variableInteger();
             const bool isTooLong = length ? *length > longestPacketBytes : m_received.size() >= 5;
             if (isTooLong)
-                return m_socket->abort();
+                return m_socket->disconnectFromHost();
             const std::optional<QByteArray> content =
                 length ? reader.take(*length) : std::optional<QByteArray>();
             if (!content)
                 return; // the rest is on its way
             m_received.remove(0, reader.position());
             if (!answer(*content))
-                m_socket->abort();
+                m_socket->disconnectFromHost();
         }
     }
 

@@ -2,23 +2,21 @@
 
 #include <map>
 
-#include <QMutexLocker>
-
 void Traffic::addRequest(const QString &path)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard lock(m_mutex);
     ++m_counts[path].requests;
 }
 
 void Traffic::addBytes(const QString &path, qint64 bytes)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_counts[path].bytes += bytes;
 }
 
 void Traffic::clear()
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_counts.clear();
 }
 
@@ -29,7 +27,7 @@ QJsonObject Traffic::Count::toJson() const
 
 QJsonObject Traffic::toJson(const QString &path) const
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard lock(m_mutex);
     Count all;
     std::map<QString, Count> folders;
     for (auto it = m_counts.cbegin(); it != m_counts.cend(); ++it) {

@@ -1,8 +1,9 @@
 #pragma once
 
+#include <mutex>
+
 #include <QHash>
 #include <QJsonObject>
-#include <QMutex>
 #include <QString>
 
 /// Counts the requests and the bytes of bodies that went out, without their headers. Any thread.
@@ -25,6 +26,6 @@ private:
         QJsonObject toJson() const;
     };
 
-    mutable QMutex m_mutex;
+    mutable std::mutex m_mutex;
     QHash<QString, Count> m_counts;
 };

@@ -21,7 +21,7 @@ void readInto(RivetUserInfo &info, const QJsonObject &json)
     info.vipLevel = static_cast<quint16>(number(json, "VIPlevel"));
     info.vipDaysLeft = number(json, "deadLine");
     info.vipEndTime = static_cast<quint32>(
-        JsonNumber::wholePart(ServiceAnswer::text(json, "endTime").toDouble()));
+        JsonNumber::wholePart(Json::requireString(json, "endTime").toDouble()));
 }
 
 } // namespace

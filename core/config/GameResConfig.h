@@ -78,8 +78,5 @@ private:
     GameResConfig();
 
     struct Private;
-    bool load();
-    bool save();
-
     const std::unique_ptr<Private> d;
 };

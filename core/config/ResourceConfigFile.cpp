@@ -30,15 +30,17 @@ ResourceConfigFile::Outcome ResourceConfigFile::read(QJsonObject &object)
 
 bool ResourceConfigFile::write(const QJsonObject &object)
 {
-    if (m_isDamaged)
-        setAside();
+    if (m_isDamaged && !setAside())
+        return false;
     return BinaryJson::writeFile(path, object);
 }
 
-void ResourceConfigFile::setAside()
+bool ResourceConfigFile::setAside()
 {
-    m_isDamaged = false;
     const QString aside = path % QLatin1String(".damaged");
-    if (FS::removeFile(aside) && QFile::rename(path, aside))
-        Log::warning(QLatin1String("an unreadable file was set aside: ") % aside);
+    if (!FS::removeFile(aside) || !QFile::rename(path, aside))
+        return false;
+    m_isDamaged = false;
+    Log::warning(QLatin1String("an unreadable file was set aside: ") % aside);
+    return true;
 }

@@ -22,11 +22,11 @@ public:
     };
     Outcome read(QJsonObject &object);
 
-    /// False if the file could not be written.
+    /// False if the file could not be written, or an unreadable one not be set aside.
     bool write(const QJsonObject &object);
 
 private:
-    void setAside();
+    bool setAside();
 
     bool m_isDamaged = false;
 };

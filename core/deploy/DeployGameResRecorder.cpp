@@ -3,6 +3,12 @@
 #include <algorithm>
 
 #include "base/LazySingleton.h"
+#include "core/deploy/DeployTask.h"
+
+DeployGameResRecorder::~DeployGameResRecorder()
+{
+    DeployTask::waitForRunning();
+}
 
 DeployGameResRecorder *DeployGameResRecorder::GetInstance()
 {

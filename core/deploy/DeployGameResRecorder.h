@@ -12,6 +12,9 @@ class LazySingleton;
 class RIVETCORE_EXPORT DeployGameResRecorder : public DepHistoryFlatFile
 {
 public:
+    /// Waits for deployments that run: they still record what they did.
+    ~DeployGameResRecorder() override;
+
     static DeployGameResRecorder *GetInstance();
 
 protected:

@@ -11,6 +11,9 @@ class LazySingleton;
 class RIVETCORE_EXPORT DeployResRecorder : public DepHistoryFlatFile
 {
 public:
+    /// Waits for deployments that run: they still record what they did.
+    ~DeployResRecorder() override;
+
     static DeployResRecorder *GetInstance();
 
 private:

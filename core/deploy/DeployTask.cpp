@@ -6,9 +6,21 @@
 #include <QFileInfo>
 #include <QMutex>
 #include <QMutexLocker>
+#include <QReadWriteLock>
 #include <QThread>
 
 #include "support/jsonfskit/Log.h"
+
+namespace {
+
+/// Read by each run().
+QReadWriteLock &runningLock()
+{
+    static QReadWriteLock lock;
+    return lock;
+}
+
+} // namespace
 
 /// Outlives the task for as long as run() has not returned.
 struct DeployTask::Run
@@ -32,11 +44,17 @@ DeployTask::~DeployTask()
 
 void DeployTask::run()
 {
+    const QReadLocker running(&runningLock());
     const std::shared_ptr<Run> run = m_run;
     const QMutexLocker lock(&run->mutex);
     run->thread = QThread::currentThread();
     start();
     run->thread = nullptr;
+}
+
+void DeployTask::waitForRunning()
+{
+    const QWriteLocker noneRuns(&runningLock());
 }
 
 quint64 DeployTask::getDeployResKey() const

@@ -34,6 +34,9 @@ public:
 
     void run() override;
 
+    /// Blocks until no deployment of this process runs; for a history that is about to go.
+    static void waitForRunning();
+
     quint64 getDeployResKey() const;
     quint64 getDeployTaskId() const;
     bool canAbort() const override;

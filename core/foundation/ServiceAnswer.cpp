@@ -27,20 +27,14 @@ std::optional<QJsonObject> objectOf(QNetworkReply &reply)
                 : std::nullopt;
 }
 
-QString text(const QJsonObject &json, const char *key)
-{
-    const QString name = QLatin1String(key);
-    return Json::requireString(json[name], name);
-}
-
 int number(const QJsonObject &json, const char *key)
 {
-    return text(json, key).toInt();
+    return Json::requireString(json, key).toInt();
 }
 
 quint32 time(const QJsonObject &json, const char *key)
 {
-    return text(json, key).toUInt();
+    return Json::requireString(json, key).toUInt();
 }
 
 int code(const QJsonObject &json)

@@ -21,9 +21,8 @@ namespace ServiceAnswer {
 /// The same as an object, which is empty if the body is none.
 [[nodiscard]] std::optional<QJsonObject> objectOf(QNetworkReply &reply);
 
-/// @name Members of an object; throw Exception, which names @p key, unless the value is a text.
+/// @name Numbers that are written as texts; throw Exception, which names @p key, for other values.
 /// @{
-QString text(const QJsonObject &json, const char *key);
 int number(const QJsonObject &json, const char *key);
 /// Seconds since the epoch, also those after 2038.
 quint32 time(const QJsonObject &json, const char *key);

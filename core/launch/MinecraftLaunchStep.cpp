@@ -64,7 +64,8 @@ bool MinecraftLaunchStep::canAbort() const
 bool MinecraftLaunchStep::abort()
 {
     disConnectUpdateCallbacks();
-    for (const ResKey key : m_updatingRes) {
+    // Once each: the next request to be taken back may be that of another step.
+    for (const ResKey key : std::exchange(m_updatingRes, {})) {
         const auto object = knownRes(key);
         if (!object)
             continue;
@@ -102,8 +103,10 @@ void MinecraftLaunchStep::emitFailed(QString reason)
 
 void MinecraftLaunchStep::failWith(GameLaunchBase::Error error, const QString &reason)
 {
+    const QPointer<MinecraftLaunchStep> self(this);
     setError(error);
-    emitFailed(reason);
+    if (self)
+        emitFailed(reason);
 }
 
 void MinecraftLaunchStep::getReadyForTask()
@@ -116,8 +119,33 @@ void MinecraftLaunchStep::getReadyForTask()
         advance(GetCheckUpdateProgress());
         return;
     }
-    advance(100);
+    succeed();
+}
+
+bool MinecraftLaunchStep::announce(const QString &brief, const QString &text)
+{
     const QPointer<MinecraftLaunchStep> self(this);
+    setTaskBrief(brief);
+    if (self)
+        setStatus(text);
+    return self && !isFinished();
+}
+
+void MinecraftLaunchStep::tell(const QString &text, quint32 percent)
+{
+    const QPointer<MinecraftLaunchStep> self(this);
+    setStatus(text);
+    if (self && !isFinished())
+        advance(percent);
+}
+
+/// A listener may abort the step at the last percent.
+void MinecraftLaunchStep::succeed()
+{
+    const QPointer<MinecraftLaunchStep> self(this);
+    advance(100);
+    if (!self || isFinished())
+        return;
     emitSucceeded();
     if (self)
         disConnectUpdateCallbacks();
@@ -273,9 +301,11 @@ void MinecraftLaunchStep::addDependencies(const ResObj &object)
 
 void MinecraftLaunchStep::startDeployments()
 {
+    const QPointer<MinecraftLaunchStep> self(this);
     advance(downloadedPercent);
-    setTaskBrief(tr("extracting file..."));
-    setStatus(tr("extracting files, please wait for a moment..."));
+    if (!self ||
+        !announce(tr("extracting file..."), tr("extracting files, please wait for a moment...")))
+        return;
     if (m_deployingRes.empty()) {
         Log::critical(QStringLiteral("unknown error."));
         failWith(ErrUnknown, tr("unknown error"));
@@ -320,11 +350,11 @@ void MinecraftLaunchStep::onTaskDownloadProgress(quint64)
         }
     }
     const auto number = [](double value) { return QString::number(static_cast<quint64>(value)); };
-    setStatus(tr("download speed:%1Kb/s<br/>").arg(number(double(qMax(speed, quint64(1))) / 1024)) %
-              tr("download size:%2M<br/>").arg(number(double(done) / bytesPerMiB)) %
-              tr("file total size:%3M<br/>").arg(number(double(total) / bytesPerMiB)) %
-              tr("<extern>please be patient, you can play all server once updated</extern>"));
-    advance(GetCheckUpdateProgress() + GetDownLoadProgress(done));
+    tell(tr("download speed:%1Kb/s<br/>").arg(number(double(qMax(speed, quint64(1))) / 1024)) %
+             tr("download size:%2M<br/>").arg(number(double(done) / bytesPerMiB)) %
+             tr("file total size:%3M<br/>").arg(number(double(total) / bytesPerMiB)) %
+             tr("<extern>please be patient, you can play all server once updated</extern>"),
+         GetCheckUpdateProgress() + GetDownLoadProgress(done));
 }
 
 /// The task that sent the signal, if it works for @p instance.
@@ -349,9 +379,9 @@ void MinecraftLaunchStep::onTaskExtractProgress(quint64 bytesUnZip, quint64 byte
     if (!m_manager || !instance || !signallingTask(*instance) || !isRunning())
         return;
     const double percent = bytesTotal > 0 ? double(bytesUnZip) * 100 / double(bytesTotal) : 0;
-    setStatus(tr("left file number: %1<br/>").arg(m_deployingRes.size()) %
-              tr("extracting files: %1%...").arg(static_cast<quint64>(percent)));
-    advance(downloadedPercent + GetExtractProgress(m_deployedBytes));
+    tell(tr("left file number: %1<br/>").arg(m_deployingRes.size()) %
+             tr("extracting files: %1%...").arg(static_cast<quint64>(percent)),
+         downloadedPercent + GetExtractProgress(m_deployedBytes));
 }
 
 void MinecraftLaunchStep::onTaskExtractFinished()
@@ -365,11 +395,7 @@ void MinecraftLaunchStep::onTaskExtractFinished()
     if (!isGood) {
         failWith(ErrDeployFailed, tr("deploy failed"));
     } else if (m_deployingRes.empty() && m_updatingRes.empty() && isRunning()) {
-        advance(100);
-        const QPointer<MinecraftLaunchStep> self(this);
-        emitSucceeded();
-        if (self)
-            disConnectUpdateCallbacks();
+        succeed();
     }
 }
 

@@ -64,6 +64,9 @@ protected:
     void connectToSlots(std::shared_ptr<ResObj> object);
     void disConnectUpdateCallbacks();
 
+    /// Tells what comes next. False if a listener has ended the step in answer, perhaps deleted it.
+    [[nodiscard]] bool announce(const QString &brief, const QString &text);
+
     /// Wants the resource, whose object comes from the manager. One that has no object fails the
     /// step as soon as the base's getReadyForTask() is reached.
     void follow(ResKey key, std::shared_ptr<ResObj> object);
@@ -97,6 +100,7 @@ private:
     quint32 GetDownLoadProgress(quint64 bytes);
     quint32 GetExtractProgress(quint64 bytes);
     void advance(quint32 percent);
+    void tell(const QString &text, quint32 percent);
 
     void onResourceDone(ResObj &object);
     void addDependencies(const ResObj &object);
@@ -108,6 +112,7 @@ private:
     void forgetDeployTask(DeployTask &task);
     void takeBackWaitingDeployments();
     void failWith(GameLaunchBase::Error error, const QString &reason);
+    void succeed();
 
     const std::weak_ptr<MCInstanceObj> m_instance;
     std::set<ResKey> m_updatingRes;  ///< whose download is not through

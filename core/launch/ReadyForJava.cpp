@@ -10,17 +10,16 @@
 void ReadyForJava::onTaskRun()
 {
     MinecraftLaunchStep::onTaskRun();
-    setTaskBrief(tr("check java runtime environment"));
-    setStatus(tr("checking java runtime environment, please wait for a moment..."));
-    getReadyWithList(*JavaListInfo::GetInstance());
+    if (announce(tr("check java runtime environment"),
+                 tr("checking java runtime environment, please wait for a moment...")))
+        getReadyWithList(*JavaListInfo::GetInstance());
 }
 
 void ReadyForJava::getReadyForTask()
 {
     const auto *list = JavaListInfo::GetInstance();
     if (!list->isListUpdated()) {
-        Log::critical(QStringLiteral("java list have not be updated."));
-        failWithoutList();
+        failWithoutList(QStringLiteral("java list have not be updated."));
         return;
     }
     const QJsonObject java = list->javaInfoForSystem(CSystemInfo(nullptr).IsOs64());
@@ -33,8 +32,10 @@ void ReadyForJava::getReadyForTask()
     MinecraftLaunchStep::getReadyForTask();
 }
 
-void ReadyForJava::failWithoutList()
+void ReadyForJava::failWithoutList(const QString &line)
 {
     setError(ErrResourceList);
+    if (!line.isEmpty())
+        Log::critical(line);
     emitFailed(tr("can not get resource list."));
 }

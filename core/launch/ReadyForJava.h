@@ -18,5 +18,5 @@ protected Q_SLOTS:
     void getReadyForTask() override;
 
 private:
-    void failWithoutList();
+    void failWithoutList(const QString &line = {});
 };

@@ -10,9 +10,9 @@
 void ReadyForMinecraftFiles::onTaskRun()
 {
     MinecraftLaunchStep::onTaskRun();
-    setTaskBrief(tr("check the game client"));
-    setStatus(tr("checking the game client, please wait for a moment..."));
-    getReadyWithList(*GameClientListInfo::GetInstance());
+    if (announce(tr("check the game client"),
+                 tr("checking the game client, please wait for a moment...")))
+        getReadyWithList(*GameClientListInfo::GetInstance());
 }
 
 void ReadyForMinecraftFiles::getReadyForTask()

@@ -24,9 +24,9 @@ ReadyForOtherRes::~ReadyForOtherRes() = default;
 void ReadyForOtherRes::onTaskRun()
 {
     MinecraftLaunchStep::onTaskRun();
-    setTaskBrief(tr("check other resource"));
-    setStatus(tr("checking the other resource, please wait for a moment..."));
-    getReadyForTask();
+    if (announce(tr("check other resource"),
+                 tr("checking the other resource, please wait for a moment...")))
+        getReadyForTask();
 }
 
 /// Defaults first.

@@ -44,8 +44,8 @@ void ReadyForSelectLine::setServerAddressList(QList<QString> addresses)
 void ReadyForSelectLine::onTaskRun()
 {
     MinecraftLaunchStep::onTaskRun();
-    setTaskBrief(tr("select the line"));
-    setStatus(tr("selecting the line, please wait for a moment..."));
+    if (!announce(tr("select the line"), tr("selecting the line, please wait for a moment...")))
+        return;
     ServerAddress address;
     if (m_addresses.isEmpty()) {
         Log::critical(QStringLiteral("no one server address can be selected"));

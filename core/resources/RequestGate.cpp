@@ -27,13 +27,15 @@ void RequestGate::enqueue(QObject *asker, Send send)
     letThrough();
 }
 
-/// Stopping thousands takes one look at the queue for each; a null asker is skipped in its turn.
+/// Those that a launch stops withdraw in the order in which they came, so each is found in front.
 void RequestGate::withdraw(QObject *asker)
 {
     const auto found = std::find_if(m_waiting.begin(), m_waiting.end(),
                                     [&](const Waiting &waiting) { return waiting.asker == asker; });
     if (found != m_waiting.end())
-        found->asker = nullptr;
+        found->asker = nullptr; // skipped in its turn
+    while (!m_waiting.isEmpty() && !m_waiting.head().asker)
+        m_waiting.dequeue();
 }
 
 void RequestGate::letThrough()
@@ -50,8 +52,10 @@ void RequestGate::letThrough()
     }
 }
 
+/// On the next turn, so that a launch that is stopped sends nothing for those behind: they withdraw
+/// in this turn.
 void RequestGate::onEnded(QNetworkReply *reply)
 {
     if (m_inFlight.remove(reply))
-        letThrough();
+        QMetaObject::invokeMethod(this, &RequestGate::letThrough, Qt::QueuedConnection);
 }

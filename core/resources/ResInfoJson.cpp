@@ -147,13 +147,22 @@ QJsonObject write(const ResInfo &info)
     return object;
 }
 
+quint64 keyIn(const QJsonObject &object)
+{
+    return ResourceKey::pack(JsonNumber::toUInt(object[QLatin1String("id")]),
+                             ResType(JsonNumber::toUInt(object[QLatin1String("type")])));
+}
+
 bool read(const QJsonObject &object, ResInfo &info)
 {
-    info.setResId(JsonNumber::toUInt(object[QLatin1String("id")]));
-    if (info.resId() == 0)
+    const quint64 key = keyIn(object);
+    if (ResourceKey::idOf(key) == 0)
         return false;
-    info.setResType(ResType(JsonNumber::toUInt(object[QLatin1String("type")])));
-    if (info.resType() == 0 || !readVersion(object, info))
+    info.setResId(ResourceKey::idOf(key));
+    if (ResourceKey::typeOf(key) == 0)
+        return false;
+    info.setResType(ResourceKey::typeOf(key));
+    if (!readVersion(object, info))
         return false;
 
     QList<quint64> depends;

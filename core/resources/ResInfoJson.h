@@ -14,6 +14,9 @@ namespace ResInfoJson {
 /// Empty for a record without an id or a type.
 QJsonObject write(const ResInfo &info);
 
+/// Which resource @p object describes; the parts that it does not tell are 0.
+quint64 keyIn(const QJsonObject &object);
+
 /// Takes the fields from @p object in a fixed order; false, with the fields read so far changed,
 /// at the first that makes it no usable record.
 bool read(const QJsonObject &object, ResInfo &info);

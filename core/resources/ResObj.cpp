@@ -159,7 +159,9 @@ DeployTask *ResObj::createDeployResTask(const QString &folder, uint id)
 bool ResObj::loadFromCache()
 {
     const std::optional<QJsonObject> object = BinaryJson::readFile(resCachePathFile());
-    if (!object || !parseResInfoFromJson(*object))
+    // A file under a wrong name would make this resource pass for another.
+    if (!object || ResInfoJson::keyIn(*object) != ResourceKey::pack(resId(), resType()) ||
+        !parseResInfoFromJson(*object))
         return false;
     if (m_pUpdateTask)
         m_pUpdateTask->setUpdateStatus(ResUpdateTask::UpdatedFromCache);

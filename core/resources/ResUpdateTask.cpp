@@ -15,6 +15,7 @@
 #include "core/resources/ResDownload.h"
 #include "core/resources/ResDownloadMgr.h"
 #include "core/resources/ResInfo.h"
+#include "core/resources/ResInfoJson.h"
 #include "support/coresupport/ServiceUrls.h"
 #include "support/jsonfskit/Log.h"
 
@@ -69,9 +70,12 @@ void ResUpdateTask::onTaskRun()
 
 void ResUpdateTask::updateResInfoFromNet()
 {
-    if (m_updateStatus == UpdatedFromRemote || m_reply || m_isQueued)
+    const bool isPending = m_reply || m_isQueued;
+    if (m_updateStatus == UpdatedFromRemote || (isPending && isUnderWay()))
         return;
     changeStatus(ResInstallUpdating);
+    if (isPending)
+        return; // of a run that was stopped; its end goes on with this one
     if (m_type == ResTypeGame)
         askForGameClient();
     else
@@ -110,7 +114,7 @@ void ResUpdateTask::onUpdateGameListInfoFinished()
     }
     const auto *list = GameClientListInfo::GetInstance();
     if (list->isListUpdated())
-        m_resInfo->loadFromRemote(list->gameClientInfo(m_id));
+        takeRecord(list->gameClientInfo(m_id));
     goOnWithDownload();
 }
 
@@ -127,7 +131,9 @@ void ResUpdateTask::onUpdateResInfoFinished()
         return;
     }
     if (reply->error() == QNetworkReply::NoError)
-        takeRecord(*reply);
+        takeRecord(QJsonDocument::fromJson(CachedAnswer::filteredBody(*reply))
+                       .object()[QLatin1String("resource")]
+                       .toObject());
     else
         complainOfRefresh(reply->errorString());
     goOnWithDownload();
@@ -139,11 +145,10 @@ void ResUpdateTask::complainOfRefresh(const QString &error)
         Log::critical(QLatin1String("updateResInfo failed with err:") % error);
 }
 
-void ResUpdateTask::takeRecord(QNetworkReply &reply)
+/// That of another resource would make this one pass for it, and a step wait for this one for ever.
+void ResUpdateTask::takeRecord(const QJsonObject &record)
 {
-    const QJsonObject answer = QJsonDocument::fromJson(CachedAnswer::filteredBody(reply)).object();
-    const QJsonObject record = answer[QLatin1String("resource")].toObject();
-    if (!record.isEmpty())
+    if (ResInfoJson::keyIn(record) == ResourceKey::pack(m_id, m_type))
         m_resInfo->loadFromRemote(record);
 }
 
@@ -265,6 +270,7 @@ void ResUpdateTask::deleteRes()
     changeStatus(ResInstallDeleted);
     if (!self)
         return;
+    (void)download(); // the manager does not know one whose file is of an earlier process
     ResDownloadMgr::GetInstance()->deleteDownloadInstance(m_id, m_type);
     m_progress = 0;
     if (m_resInfo)

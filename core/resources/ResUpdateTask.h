@@ -8,6 +8,7 @@
 #include "core/foundation/ResourceKey.h"
 #include "support/coresupport/TaskAbstract.h"
 
+class QJsonObject;
 class QNetworkAccessManager;
 class QNetworkReply;
 class ResDownload;
@@ -94,7 +95,7 @@ private:
     void safeDeleteLater(QNetworkReply *reply);
     void askForGameClient();
     void askForRecord();
-    void takeRecord(QNetworkReply &reply);
+    void takeRecord(const QJsonObject &record);
     void goOnWithDownload();
     bool isUnderWay() const;
     void stopDownload();

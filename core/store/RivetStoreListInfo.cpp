@@ -17,8 +17,8 @@
 
 namespace {
 
+using Json::requireString;
 using ServiceAnswer::number;
-using ServiceAnswer::text;
 
 /// All that is read before the sales forms.
 StoreProp propIn(const QJsonObject &json)
@@ -26,11 +26,11 @@ StoreProp propIn(const QJsonObject &json)
     constexpr int soldOut = 1;
     StoreProp prop;
     prop.id = static_cast<quint32>(number(json, "id"));
-    prop.name = text(json, "name");
+    prop.name = requireString(json, "name");
     prop.toolType = number(json, "toolType");
-    prop.picture = text(json, "picture");
+    prop.picture = requireString(json, "picture");
     prop.onSale = number(json, "soldOut") != soldOut;
-    prop.resUrl = text(json, "resUrl");
+    prop.resUrl = requireString(json, "resUrl");
     const QString detail = QStringLiteral("detail");
     prop.detail = Json::ensureString(json[detail], QString(), detail);
     return prop;
@@ -41,8 +41,8 @@ StoreNorm normIn(const QJsonObject &json, qint32 toolType)
     StoreNorm norm;
     norm.type = number(json, "type");
     norm.price = number(json, "price");
-    norm.name = text(json, "name");
-    norm.describe = text(json, "describe");
+    norm.name = requireString(json, "name");
+    norm.describe = requireString(json, "describe");
     // The service counts these by the wrong word.
     if (toolType == StoreProp::Consumable)
         norm.name.replace(QStringLiteral("张"), QStringLiteral("个"));

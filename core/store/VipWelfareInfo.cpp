@@ -28,7 +28,7 @@ VipWelfare levelIn(const QJsonObject &json)
 {
     VipWelfare level;
     level.vipLevel = static_cast<quint32>(ServiceAnswer::number(json, "vipLevel"));
-    level.discount = ServiceAnswer::text(json, "discount").toDouble();
+    level.discount = Json::requireString(json, "discount").toDouble();
     level.room = ServiceAnswer::number(json, "room");
     level.price = ServiceAnswer::number(json, "price");
     const QString welfare = QStringLiteral("welfare");

@@ -1,5 +1,6 @@
 #include "support/coresupport/Cipher.h"
 
+#include <cstdarg>
 #include <memory>
 
 #include <gcrypt.h>
@@ -20,6 +21,8 @@ void initializeLibrary()
 {
     static const bool done = [] {
         gcry_check_version(nullptr);
+        // Its advice to developers would stand on the standard error output of a host.
+        gcry_set_log_handler([](void *, int, const char *, va_list) {}, nullptr);
         gcry_control(GCRYCTL_DISABLE_SECMEM, 0);
         gcry_control(GCRYCTL_INITIALIZATION_FINISHED, 0);
         return true;

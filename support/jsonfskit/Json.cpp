@@ -66,6 +66,12 @@ QString requireString(const QJsonValue &value, const QString &what)
     return value.toString();
 }
 
+QString requireString(const QJsonObject &object, const char *key)
+{
+    const QString name = QLatin1String(key);
+    return requireString(object[name], name);
+}
+
 int requireInteger(const QJsonValue &value, const QString &what)
 {
     const std::optional<int> number = wholeNumber(value);

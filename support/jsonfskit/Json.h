@@ -21,6 +21,8 @@ JSONFSKIT_EXPORT QJsonObject requireObject(const QJsonDocument &document, const 
 JSONFSKIT_EXPORT QJsonObject requireObject(const QJsonValue &value, const QString &what);
 JSONFSKIT_EXPORT QJsonArray requireArray(const QJsonValue &value, const QString &what);
 JSONFSKIT_EXPORT QString requireString(const QJsonValue &value, const QString &what);
+/// The member @p key, in Latin-1, which is also what the cause names.
+JSONFSKIT_EXPORT QString requireString(const QJsonObject &object, const char *key);
 
 /// A whole number in the range of int; 3.0 is one, 3.5 and "3" are none.
 JSONFSKIT_EXPORT int requireInteger(const QJsonValue &value, const QString &what);

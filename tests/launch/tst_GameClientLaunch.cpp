@@ -1,26 +1,13 @@
 #include "core/accounts/RivetUserProfile.h"
-#include "core/launch/MCInstanceObj.h"
 #include "core/launch/OrAuthServerInstanceInfo.h"
 #include "core/launch/ReadyForGameClientLaunchLAN.h"
 #include "support/coresupport/DirectoryNames.h"
 #include "tests/support/GameRun.h"
 #include "tests/support/ServiceWorld.h"
 #include "tests/support/TaskJournal.h"
+#include "tests/support/TestInstance.h"
 
 namespace {
-
-struct Instance : MCInstanceObj
-{
-    explicit Instance(const QString &folder) : dir(folder) {}
-    quint32 instanceId() override { return 9; }
-    QString instanceName() override { return "test"; }
-    QString clientVersion() override { return "7"; }
-    QString instanceDir() override { return dir; }
-    void start(QJsonObject) override {}
-    void stop() override {}
-
-    const QString dir;
-};
 
 /// One launch of the stub game, for the account 7.
 struct Launch : ServiceWorld
@@ -74,7 +61,7 @@ struct Launch : ServiceWorld
 
     WindowlessSystem system;
     RivetUserProfile &profile = *RivetUserProfile::GetInstance();
-    std::shared_ptr<Instance> instance = std::make_shared<Instance>(path("inst"));
+    std::shared_ptr<TestInstance> instance = std::make_shared<TestInstance>(path("inst"), "7");
     std::shared_ptr<OrAuthServerInstanceInfo> info = std::make_shared<OrAuthServerInstanceInfo>();
     bool hasProfile = true, hasSettings = true, isRoomOwner = false;
     QString roomOwner;

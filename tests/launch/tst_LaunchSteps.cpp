@@ -4,7 +4,6 @@
 #include "core/config/GameResConfig.h"
 #include "core/deploy/DeployResRecorder.h"
 #include "core/foundation/FSH.h"
-#include "core/launch/MCInstanceObj.h"
 #include "core/launch/OrAuthServerInstanceInfo.h"
 #include "core/launch/ReadyForJava.h"
 #include "core/launch/ReadyForMinecraftFiles.h"
@@ -16,6 +15,7 @@
 #include "tests/support/ResManager.h"
 #include "tests/support/ServiceWorld.h"
 #include "tests/support/TaskJournal.h"
+#include "tests/support/TestInstance.h"
 
 namespace {
 
@@ -27,19 +27,6 @@ const QByteArray incompressible = [] {
     QRandomGenerator(1).fillRange(reinterpret_cast<quint32 *>(bytes.data()), bytes.size() / 4);
     return bytes;
 }();
-
-struct Instance : MCInstanceObj
-{
-    explicit Instance(const QString &folder) : dir(folder) {}
-    quint32 instanceId() override { return 9; }
-    QString instanceName() override { return "test"; }
-    QString clientVersion() override { return "1.8"; }
-    QString instanceDir() override { return dir; }
-    void start(QJsonObject) override {}
-    void stop() override {}
-
-    QString dir;
-};
 
 /// A service with resources, an instance, and a step that asks for mods, packs and shaders.
 struct World : ServiceWorld
@@ -87,7 +74,7 @@ struct World : ServiceWorld
         return sum;
     }
 
-    std::shared_ptr<Instance> instance = std::make_shared<Instance>(path("inst"));
+    std::shared_ptr<TestInstance> instance = std::make_shared<TestInstance>(path("inst"));
     std::shared_ptr<OrAuthServerInstanceInfo> info = std::make_shared<OrAuthServerInstanceInfo>();
     ResManager resources;
 };
@@ -199,6 +186,7 @@ private Q_SLOTS:
             int stage; // the last percent; -1 none
             std::function<void(World &)> arrange;
             QString tree = "";
+            QString abortAt = "never"; // by a listener
         };
         const QString noDownload = "finished 0 download failed error 3";
         const QString noDeploy = "finished 0 deploy failed error 5";
@@ -210,6 +198,11 @@ private Q_SLOTS:
              [](World &w) { w.server.play("/resources/info?id=1", "", ""); }},
             {"no payload", noDownload, 5,
              [](World &w) { w.server.play("/file1", "", "status=404"); }},
+            {"deleted meanwhile", "finished 0 download stop error 4", 5,
+             [](World &w) {
+                 QTimer::singleShot(1, w.instance.get(),
+                                    [&w] { w.resources.knownRes(1, mods)->deleteRes(); });
+             }},
             {"no archive", noDeploy, 85, [](World &w) { w.server.play("/file1", "?", ""); },
              "mods"},
             {"blocked folder", noDeploy, 85, [](World &w) { makeFiles(w.path("inst"), {"mods"}); },
@@ -217,6 +210,8 @@ private Q_SLOTS:
             {"no instance", noDeploy, 85, [](World &w) { w.instance.reset(); }},
             {"no folder for it", noDeploy, 85, [](World &w) { w.instance->dir.clear(); }},
             {"no dependency", noDownload, 5, [](World &w) { w.offer(1, mods, "2;"); }},
+            {"aborted", "finished 0 user cancel error 1", -1, [](World &) {}, "", "checking"},
+            {"aborted late", "finished 0 user cancel error 1", 85, [](World &) {}, "", "extracti"},
         };
         for (const Row &row : rows) {
             World world;
@@ -225,6 +220,10 @@ private Q_SLOTS:
             world.want(1, mods);
             row.arrange(world);
             Run run(world);
+            connect(&run.step, &TaskAbstract::status, this, [&](const QString &status) {
+                if (status.startsWith(row.abortAt))
+                    run.step.abort();
+            });
             const LogCapture log;
             const QString end = run.play();
             QThreadPool::globalInstance()->waitForDone();
@@ -269,6 +268,7 @@ private Q_SLOTS:
         Run first(world), second(world);
         first.step.start();
         second.step.start();
+        second.step.abort();
         second.step.abort();
         QCOMPARE(first.ends(), succeeded);
         QCOMPARE(world.instanceTree().count("mods/f"), 12);

@@ -111,6 +111,10 @@ private Q_SLOTS:
         QCOMPARE(world.names(), "");
         asked.install();
         QVERIFY(asked.ends() && asked.installStatus() == done);
+        asked.deleteRes();
+        makeFiles(world.path("resources/mods"), {"6", "6.inf"}); // of an earlier process
+        Mod(6).deleteRes();
+        QCOMPARE(world.names(), "");
     }
 
     void stopsWhenTheLastRequesterDoes()
@@ -135,6 +139,14 @@ private Q_SLOTS:
         mod.install();
         QVERIFY(await([&] { return mod.installStatus() == done; }));
         QVERIFY(world.server.requests().last().headers.contains("range"));
+        Mod eager;
+        QVERIFY(eager.loadFromCache());
+        eager.install();
+        QObject context; // wants it again while it stops
+        connect(&eager, &ResObj::installStatusChanged, &context, [&] { eager.install(); });
+        eager.stop();
+        eager.disconnect(&context);
+        QVERIFY(await([&] { return eager.installStatus() == done; }));
     }
 
     void aFailedRefreshIsNoFailedInstall()
@@ -151,6 +163,8 @@ private Q_SLOTS:
             {"<html>", "", true, done},
             {"{}", "", false, failed},
             {R"({"resource":{}})", "", true, done},
+            {R"({"resource":{"message":"none"}})", "", true, done},
+            {R"({"resource":{"id":6,"type":1,"name":"another","url":"u"}})", "", true, done},
             {R"({"resource":{"id":5,"type":1,"name":""}})", "", false, failed},
         };
         for (const Row &row : rows) {
@@ -165,6 +179,7 @@ private Q_SLOTS:
             QCOMPARE(mod.loadFromCache(), row.hasCache);
             mod.install();
             QVERIFY2(mod.ends() && mod.installStatus() == row.status, row.answer);
+            QVERIFY2(mod.resId() == 5, row.answer);
         }
     }
 
