@@ -35,6 +35,11 @@ constexpr Command table[] = {
     {"tip", "", "a hint", 0, 0, &Commands::tip},
     {"launch", "INSTANCE", "make everything ready, start the game and stay until it ends", 1, 1,
      &Commands::launch},
+    {"store", "list | buy PROP [FORM] | mine | use PROP [on | off]",
+     "what the store sells, and the user's money and props; FORM is one of the ways in which a "
+     "prop is sold",
+     1, 3, &Commands::store},
+    {"vip", "", "what each VIP level gives", 0, 0, &Commands::vip},
     {"settings", "[KEY [VALUE]]", "show or change what the launcher remembers", 0, 2,
      &Commands::settings},
     {"version", "", "the version of the program", 0, 0, &Commands::version},

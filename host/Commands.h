@@ -49,6 +49,9 @@ int mask(Host &host, const QStringList &arguments);
 int tip(Host &host, const QStringList &arguments);
 // Launch
 int launch(Host &host, const QStringList &arguments);
+// Store
+int store(Host &host, const QStringList &arguments);
+int vip(Host &host, const QStringList &arguments);
 // The program
 int settings(Host &host, const QStringList &arguments);
 int version(Host &host, const QStringList &arguments);

@@ -26,6 +26,13 @@ SignedQuery signedQuery(quint32 bid)
     return query;
 }
 
+QString signedUrl(const char *format, quint32 bid)
+{
+    const SignedQuery query = signedQuery(bid);
+    return QString::fromLatin1(format).arg(QString::number(bid), query.random, query.time,
+                                           query.signature);
+}
+
 std::shared_ptr<HttpRequestTask> start(const QString &url, IHttpRequestSink *sink,
                                        std::chrono::milliseconds timeout)
 {

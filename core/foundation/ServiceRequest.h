@@ -24,6 +24,9 @@ struct SignedQuery
 
 SignedQuery signedQuery(quint32 bid);
 
+/// @p format with the account id and the signed query in the place of %1 to %4.
+QString signedUrl(const char *format, quint32 bid);
+
 /// Sends a GET to @p url on the shared manager. The request reports to @p sink, with the id 0, and
 /// ends silently when its last owner drops it.
 std::shared_ptr<HttpRequestTask>
