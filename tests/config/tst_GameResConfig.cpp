@@ -7,6 +7,8 @@
 #include "core/config/DemoConfig.h"
 #include "core/config/GRC.h"
 #include "core/config/GameResConfig.h"
+#include "core/config/OMRC.h"
+#include "core/config/OnlineMapResConfig.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/TestFiles.h"
 
@@ -145,6 +147,34 @@ private Q_SLOTS:
         open();
         for (uint i = 1; i <= 200; ++i)
             QCOMPARE(m_config->getCustomGameInstCfgList(i).size(), i % 2 ? 8 : 16);
+    }
+
+    void mapsHaveResourcesLikewise()
+    {
+        const QString file = m_dir->filePath("maps/map.config");
+        auto *maps = OnlineMapResConfig::GetInstance();
+        QVERIFY(!maps->initialize("") && maps->initialize(file));
+        maps->setCustomMapResConfig("", {mod}, false);
+        maps->setCustomMapResConfig("a", {0, mod, pack}, true);
+        QVERIFY(!QFile::exists(file) && QDir(m_dir->path()).mkdir("maps"));
+        maps->updateMapConfigFromRemote("a", {mod, other}, true);
+        maps->SetSrvDefaultResConfig("a", {pack});
+        maps->setIgnoredRemoteMapCfg("a", {mod, pack, other}, false);
+        maps->unSetIgnoredRemoteMapCfg("a", {other}, true);
+        for (int run = 0; run < 2; ++run) {
+            QCOMPARE(OMRC::GetMapResCfgList("a").count(mod), 1);
+            QCOMPARE(text(OMRC::GetCurCustomResList("a", ResTypeResourcePacks)), "7");
+            QCOMPARE(text(OMRC::GetCurDefaultResList("a", ResTypeMods)), "8");
+            QCOMPARE(maps->GetSrvDefaultResConfig("a"), QSet<quint64>{pack});
+            open();
+            maps = OnlineMapResConfig::GetInstance();
+            maps->SetSrvDefaultResConfig("new", {mod});
+            QVERIFY(maps->initialize(file) && !maps->GetSrvDefaultResConfig("new").isEmpty());
+        }
+        for (const char *map : {"a", ""})
+            maps->clearDefalutConfig(map), maps->clearUnSetDefaultConfig(map);
+        maps->removeOneResFormConfig(7, ResTypeMods);
+        QCOMPARE(OMRC::GetMapResCfgList("a"), QList<quint64>{pack});
     }
 
     void configurationObjectsLoadOnce()
