@@ -93,6 +93,8 @@ private Q_SLOTS:
             connect(row.server.get(), &QTcpServer::newConnection, this, [&row] { answer(row); });
         }
         QThreadPool::globalInstance()->setMaxThreadCount(32);
+        QTimer pulse; // under Wine the word of another thread may come without waking this one
+        pulse.start(100);
         QFutureWatcher<QString> watcher;
         watcher.setFuture(QtConcurrent::mapped(rows, ask));
         QVERIFY(await([&] { return watcher.isFinished(); }));
