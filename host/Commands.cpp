@@ -15,7 +15,7 @@ constexpr Command table[] = {
      &Commands::logOut},
     {"accounts", "", "who has logged in on this machine", 0, 0, &Commands::accounts},
     {"register", "USER CODE [--password-stdin]", "make an account; CODE is the verification code",
-     1, 2, &Commands::registerAccount},
+     2, 2, &Commands::registerAccount},
     {"clients", "", "the game clients that the service offers", 0, 0, &Commands::clients},
     {"java", "", "the Java runtimes that the service offers", 0, 0, &Commands::java},
     {"instances", "", "the instances of the user who is logged in", 0, 0, &Commands::instances},

@@ -113,6 +113,8 @@ void LaunchInstance::authenticate()
 
 void LaunchInstance::onAuthenticated()
 {
+    if (m_hasEnded)
+        return;
     if (m_authentication->GetAuthenticateStatus() ==
         OrMCAuthenticateTaskAbstract::AuthStatusNetworkError) {
         playOffline();
@@ -124,7 +126,8 @@ void LaunchInstance::onAuthenticated()
     }
     m_authentication->FillAuthSession(m_info->session);
     m_info->session.SetCurrentOrBid(RivetUserProfile::GetInstance()->getBid());
-    if (auto login = OfflineLogins::of(m_userName)) {
+    auto login = OfflineLogins::of(m_userName);
+    if (login && m_info->session.IsSessionValid(m_info->session.GetCurrentOrBid())) {
         login->session = m_info->session;
         if (!OfflineLogins::keep(m_userName, *login))
             Q_EMIT status(tr("the game session can not be kept for playing without a network"));
