@@ -28,6 +28,8 @@ public:
                 [this](const QString &name) { m_output.stage(name); });
         connect(&instance, &LaunchInstance::status, this,
                 [this](const QString &text) { m_output.status(text); });
+        connect(&instance, &LaunchInstance::notice, this,
+                [this](const QString &text) { m_output.notice(text); });
         connect(&instance, &LaunchInstance::progress, this,
                 [this](int percent) { showProgress(percent); });
         connect(&instance, &LaunchInstance::gameStarted, this, &LaunchView::onGameStarted);

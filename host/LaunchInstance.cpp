@@ -130,7 +130,7 @@ void LaunchInstance::onAuthenticated()
     if (login && m_info->session.IsSessionValid(m_info->session.GetCurrentOrBid())) {
         login->session = m_info->session;
         if (!OfflineLogins::keep(m_userName, *login))
-            Q_EMIT status(tr("the game session can not be kept for playing without a network"));
+            Q_EMIT notice(tr("the game session can not be kept for playing without a network"));
     }
     runChain();
 }
@@ -142,7 +142,7 @@ void LaunchInstance::playOffline()
         end(false, GameLaunchBase::ErrNeedLogin, m_authentication->failReason());
         return;
     }
-    Q_EMIT status(tr("the service can not be reached, playing with the last session"));
+    Q_EMIT notice(tr("the service can not be reached, playing with the last session"));
     m_info->session = login->session;
     runChain();
 }

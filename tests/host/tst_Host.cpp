@@ -86,8 +86,11 @@ private Q_SLOTS:
 
     void wrongUsage()
     {
-        for (const char *line : {"", "dance", "launch", "launch 1 2", "--service ftp://x version"})
+        for (const char *line : {"", "dance", "launch", "launch 1 2", "register bob",
+                                 "ping a:99999", "--service ftp://x version"})
             QCOMPARE(run(line).exitCode, 2);
+        QCOMPARE(run("settings ChangedDataDir " + QStandardPaths::findExecutable("rivet")).exitCode,
+                 1); // no folder
         QVERIFY(run("version").output.startsWith("rivet 0."));
     }
 
