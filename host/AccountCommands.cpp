@@ -33,7 +33,9 @@ QString askForPassword()
         return platform::Terminal::readSecret(text("Password: ")).value_or(QString());
     std::string line;
     std::getline(std::cin, line);
-    return QString::fromStdString(line).trimmed();
+    if (!line.empty() && line.back() == '\r')
+        line.pop_back();
+    return QString::fromStdString(line);
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #include "host/Commands.h"
 
-#include <QDir>
+#include <QCoreApplication>
 
 #include "core/foundation/Environment.h"
 #include "core/foundation/FSH.h"
@@ -15,7 +15,7 @@ constexpr Command table[] = {
      &Commands::logOut},
     {"accounts", "", "who has logged in on this machine", 0, 0, &Commands::accounts},
     {"register", "USER CODE [--password-stdin]", "make an account; CODE is the verification code",
-     1, 2, &Commands::registerAccount},
+     2, 2, &Commands::registerAccount},
     {"clients", "", "the game clients that the service offers", 0, 0, &Commands::clients},
     {"java", "", "the Java runtimes that the service offers", 0, 0, &Commands::java},
     {"instances", "", "the instances of the user who is logged in", 0, 0, &Commands::instances},
@@ -46,6 +46,18 @@ constexpr Command table[] = {
     {nullptr, nullptr, nullptr, 0, 0, nullptr},
 };
 
+/// The new place is taken over, or dropped, as at a start.
+int moveData(Host &host, const QString &folder)
+{
+    const auto store = Environment::GetInstance()->settings();
+    store->validateSettingValues();
+    if (store->value(QStringLiteral("DataPath"), QVariant()).toString() == folder)
+        return ExitGood;
+    host.output().error(
+        QCoreApplication::translate("host", "the game data can not lie in %1").arg(folder));
+    return ExitFailed;
+}
+
 } // namespace
 
 namespace Commands {
@@ -72,10 +84,8 @@ int settings(Host &host, const QStringList &arguments)
     if (arguments.size() == 2) {
         store->setValue(arguments[0], arguments[1]);
         store->save();
-        // The new place is taken over, or dropped, as at a start.
-        if (arguments[0] == QLatin1String("ChangedDataDir"))
-            store->validateSettingValues();
-        return ExitGood;
+        return arguments[0] == QLatin1String("ChangedDataDir") ? moveData(host, arguments[1])
+                                                               : ExitGood;
     }
     QList<QStringList> rows;
     for (const char *key : keys) {

@@ -17,6 +17,7 @@
 #include "core/foundation/MCSettings.h"
 #include "core/resources/LocalResLoadTask.h"
 #include "core/servers/MyMcGameInstMgr.h"
+#include "host/Interrupts.h"
 #include "host/OfflineLogins.h"
 
 namespace {
@@ -25,18 +26,24 @@ constexpr int lookMs = 5;
 
 } // namespace
 
-void runUntil(const std::function<bool()> &isDone)
+void runUntil(const std::function<bool()> &isDone, OnInterrupt onInterrupt)
 {
+    Interrupts::watch();
+    const auto isCancelled = [onInterrupt] {
+        return onInterrupt == OnInterrupt::Throw && Interrupts::count() > 0;
+    };
     if (isDone())
         return;
     QEventLoop loop;
     QTimer look;
     QObject::connect(&look, &QTimer::timeout, &loop, [&] {
-        if (isDone())
+        if (isDone() || isCancelled())
             loop.quit();
     });
     look.start(lookMs);
     loop.exec();
+    if (isCancelled() && !isDone())
+        throw Interrupts::Cancelled();
 }
 
 Host::Host(Output &output) : m_output(output)

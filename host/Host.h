@@ -50,5 +50,9 @@ private:
     ResourceManager m_resources;
 };
 
+enum class OnInterrupt {
+    Throw, ///< Interrupts::Cancelled
+    GoOn,  ///< somebody else looks after it
+};
 /// Runs the event loop until @p isDone() says true, asked every few milliseconds.
-void runUntil(const std::function<bool()> &isDone);
+void runUntil(const std::function<bool()> &isDone, OnInterrupt onInterrupt = OnInterrupt::Throw);

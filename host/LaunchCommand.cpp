@@ -1,4 +1,3 @@
-#include <csignal>
 #include <cstdlib>
 
 #include <QCoreApplication>
@@ -10,19 +9,13 @@
 #include "host/Commands.h"
 #include "host/Host.h"
 #include "host/InstanceChoice.h"
+#include "host/Interrupts.h"
 #include "host/LaunchInstance.h"
 
 namespace {
 
 constexpr int pulseMs = 100;
 constexpr int lastLines = 10;
-
-volatile std::sig_atomic_t interrupts = 0;
-
-extern "C" void onInterrupt(int)
-{
-    interrupts = interrupts + 1;
-}
 
 /// Shows one launch, from its start to the end of the game.
 class LaunchView : public QObject
@@ -35,11 +28,14 @@ public:
                 [this](const QString &name) { m_output.stage(name); });
         connect(&instance, &LaunchInstance::status, this,
                 [this](const QString &text) { m_output.status(text); });
+        connect(&instance, &LaunchInstance::notice, this,
+                [this](const QString &text) { m_output.notice(text); });
         connect(&instance, &LaunchInstance::progress, this,
                 [this](int percent) { showProgress(percent); });
         connect(&instance, &LaunchInstance::gameStarted, this, &LaunchView::onGameStarted);
         connect(&instance, &LaunchInstance::ended, this, &LaunchView::onEnded);
         connect(&m_pulse, &QTimer::timeout, this, &LaunchView::onPulse);
+        Interrupts::setGuarded(true);
         m_pulse.start(pulseMs);
     }
 
@@ -71,7 +67,7 @@ private:
 
     void onPulse()
     {
-        if (interrupts > m_handledInterrupts)
+        if (Interrupts::count() > m_handledInterrupts)
             onInterrupted();
         if (!m_isGameUp && m_percent >= 0)
             showProgress(m_percent);
@@ -80,13 +76,14 @@ private:
     /// The first one aborts in good order, the second one leaves at once.
     void onInterrupted()
     {
-        m_handledInterrupts = interrupts;
-        m_isCancelled = true;
+        m_handledInterrupts = Interrupts::count();
         m_instance.stop();
         if (m_handledInterrupts > 1) {
             m_output.endProgress();
             std::_Exit(ExitCancelled);
         }
+        // What is left may keep the main thread waiting: a deployment that runs to its end.
+        Interrupts::setGuarded(false);
     }
 
     void onGameStarted()
@@ -100,7 +97,9 @@ private:
     {
         m_pulse.stop();
         m_output.endProgress();
-        if (m_isCancelled) {
+        Interrupts::setGuarded(false);
+        // On a terminal the interrupt reaches the game, too, which may end before we look.
+        if (Interrupts::count() > 0) {
             m_output.error(tr("cancelled"));
             m_exitCode = ExitCancelled;
         } else if (isGood) {
@@ -137,7 +136,6 @@ private:
     int m_percent = -1;
     int m_handledInterrupts = 0;
     bool m_isGameUp = false;
-    bool m_isCancelled = false;
     std::optional<int> m_exitCode;
 };
 
@@ -155,12 +153,10 @@ int Commands::launch(Host &host, const QStringList &arguments)
             QCoreApplication::translate("host", "there is no instance %1").arg(arguments[0]));
         return ExitFailed;
     }
-    std::signal(SIGINT, &onInterrupt);
-    std::signal(SIGTERM, &onInterrupt);
     const auto instance =
         std::make_shared<LaunchInstance>(choice->id, choice->description, host.resources());
     LaunchView view(host, *instance);
     instance->start({{QStringLiteral("user"), host.rememberedUser()}});
-    runUntil([&view] { return view.hasEnded(); });
+    runUntil([&view] { return view.hasEnded(); }, OnInterrupt::GoOn);
     return view.exitCode();
 }

@@ -113,6 +113,8 @@ void LaunchInstance::authenticate()
 
 void LaunchInstance::onAuthenticated()
 {
+    if (m_hasEnded)
+        return;
     if (m_authentication->GetAuthenticateStatus() ==
         OrMCAuthenticateTaskAbstract::AuthStatusNetworkError) {
         playOffline();
@@ -124,10 +126,11 @@ void LaunchInstance::onAuthenticated()
     }
     m_authentication->FillAuthSession(m_info->session);
     m_info->session.SetCurrentOrBid(RivetUserProfile::GetInstance()->getBid());
-    if (auto login = OfflineLogins::of(m_userName)) {
+    auto login = OfflineLogins::of(m_userName);
+    if (login && m_info->session.IsSessionValid(m_info->session.GetCurrentOrBid())) {
         login->session = m_info->session;
         if (!OfflineLogins::keep(m_userName, *login))
-            Q_EMIT status(tr("the game session can not be kept for playing without a network"));
+            Q_EMIT notice(tr("the game session can not be kept for playing without a network"));
     }
     runChain();
 }
@@ -139,7 +142,7 @@ void LaunchInstance::playOffline()
         end(false, GameLaunchBase::ErrNeedLogin, m_authentication->failReason());
         return;
     }
-    Q_EMIT status(tr("the service can not be reached, playing with the last session"));
+    Q_EMIT notice(tr("the service can not be reached, playing with the last session"));
     m_info->session = login->session;
     runChain();
 }

@@ -41,6 +41,8 @@ public Q_SLOTS:
 Q_SIGNALS:
     void stage(QString name);
     void status(QString text);
+    /// Something unusual that the user has to know.
+    void notice(QString text);
     /// Per cent.
     void progress(int percent);
     /// The game can take input.

@@ -10,7 +10,8 @@
 
 namespace {
 
-constexpr int barWidth = 24;
+constexpr int shortestBar = 8;
+constexpr int longestBar = 24;
 
 void print(const QString &text, FILE *stream = stdout)
 {
@@ -124,6 +125,13 @@ void Output::status(const QString &text)
         print(QLatin1String("  ") % plain % QLatin1Char('\n'));
 }
 
+void Output::notice(const QString &text)
+{
+    endProgress();
+    line(text,
+         {{QStringLiteral("event"), QStringLiteral("status")}, {QStringLiteral("text"), text}});
+}
+
 void Output::progress(int percent, const Transfer &transfer)
 {
     const bool isNews = percent != m_percent;
@@ -161,16 +169,19 @@ QString Output::transferText(const Transfer &transfer)
     return text;
 }
 
+/// Where the line is short, the name of the stage gives way to the figures.
 void Output::redraw()
 {
+    constexpr int spaceOfTexts = 71;
+    const int width = qMax(20, platform::Terminal::columns() - 1);
+    const int barWidth = qBound(shortestBar, width - spaceOfTexts, longestBar);
     const int filled = qBound(0, m_percent, 100) * barWidth / 100;
     const QString bar =
         QString(filled, QLatin1Char('#')) % QString(barWidth - filled, QLatin1Char('.'));
-    const QString text = QStringLiteral("[%1] %2 %  %3  %4")
-                             .arg(bar)
-                             .arg(qMax(m_percent, 0), 3)
-                             .arg(m_stage, transferText(m_transfer));
-    const int width = qMax(20, platform::Terminal::columns() - 1);
+    const QString head = QStringLiteral("[%1] %2 %  ").arg(bar).arg(qMax(m_percent, 0), 3);
+    const QString figures = QLatin1String("  ") % transferText(m_transfer);
+    const int room = qMax(0, width - head.size() - figures.size());
+    const QString text = head % m_stage.left(room) % figures;
     print(QLatin1Char('\r') % text.left(width).leftJustified(width));
     m_isLineOpen = true;
 }

@@ -32,7 +32,10 @@ public:
         quint64 totalBytes = 0;
     };
     void stage(const QString &name);
+    /// What a stage does just now; not on a terminal, where the bar tells it.
     void status(const QString &text);
+    /// What the user has to know, and stays to be read.
+    void notice(const QString &text);
     void progress(int percent, const Transfer &transfer);
     /// Ends the line that is redrawn.
     void endProgress();

@@ -119,10 +119,11 @@ int ping(Host &host, const QStringList &arguments)
 {
     QList<Ping> pings;
     for (const QString &address : arguments) {
-        const QString port = address.section(QLatin1Char(':'), 1, 1);
-        pings << Ping{{},
-                      address.section(QLatin1Char(':'), 0, 0),
-                      port.isEmpty() ? defaultPort : quint16(port.toUInt())};
+        const QString port = address.section(QLatin1Char(':'), 1);
+        const quint16 number = port.isEmpty() ? defaultPort : port.toUShort();
+        if (number == 0)
+            return ResourceWords::complain(host);
+        pings << Ping{{}, address.section(QLatin1Char(':'), 0, 0), number};
     }
     askAll(pings);
     show(host, pings);

@@ -7,6 +7,7 @@
 
 #include "host/Commands.h"
 #include "host/Host.h"
+#include "host/Interrupts.h"
 #include "platform/Terminal.h"
 #include "support/coresupport/ServiceUrls.h"
 
@@ -32,7 +33,7 @@ void printUsage()
         "resources, 13 download failed, 14 download stopped, 15 deployment failed, 16 the\n"
         "game did not start, 17 it crashed, 18 or 19 other trouble with its process, 23 its\n"
         "mods were changed while it ran, 24 log in again.\n\n"
-        "Ctrl-C aborts a launch, or ends the game, in good order; a second one at once.");
+        "Ctrl-C aborts what runs, or ends the game, in good order; a second one at once.");
 }
 
 /// The log of the core is for developers.
@@ -81,8 +82,13 @@ int runCommand(QStringList arguments)
         output.error(QCoreApplication::translate("host", "see rivet --help"));
         return ExitUsage;
     }
-    Host host(output);
-    return command->run(host, arguments.mid(1));
+    try {
+        Host host(output);
+        return command->run(host, arguments.mid(1));
+    } catch (const Interrupts::Cancelled &) {
+        output.error(QCoreApplication::translate("host", "cancelled"));
+        return ExitCancelled;
+    }
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "platform/Terminal.h"
 
+#include <csignal>
 #include <cstdio>
 #include <iostream>
 #include <string>
@@ -9,6 +10,43 @@
 #include <unistd.h>
 
 namespace platform::Terminal {
+
+namespace {
+
+volatile std::sig_atomic_t endedBy = 0;
+
+extern "C" void onEndAsked(int signal)
+{
+    endedBy = signal;
+}
+
+/// Lets an interrupt end the read, and happen when the terminal is as it was.
+class LateInterrupts
+{
+public:
+    LateInterrupts()
+    {
+        endedBy = 0;
+        struct sigaction action = {};
+        action.sa_handler = &onEndAsked; // without SA_RESTART
+        sigaction(SIGINT, &action, &m_interrupt);
+        sigaction(SIGTERM, &action, &m_end);
+    }
+    ~LateInterrupts()
+    {
+        sigaction(SIGINT, &m_interrupt, nullptr);
+        sigaction(SIGTERM, &m_end, nullptr);
+        if (endedBy != 0)
+            std::raise(endedBy);
+    }
+    Q_DISABLE_COPY_MOVE(LateInterrupts)
+
+private:
+    struct sigaction m_interrupt = {};
+    struct sigaction m_end = {};
+};
+
+} // namespace
 
 bool isInteractive()
 {
@@ -29,15 +67,16 @@ std::optional<QString> readSecret(const QString &prompt)
     termios before{};
     if (tcgetattr(STDIN_FILENO, &before) != 0)
         return std::nullopt;
+    const LateInterrupts late;
     termios silent = before;
     silent.c_lflag &= ~tcflag_t(ECHO);
     std::fputs(qUtf8Printable(prompt), stderr);
     tcsetattr(STDIN_FILENO, TCSAFLUSH, &silent);
     std::string line;
-    std::getline(std::cin, line);
+    const bool isRead = bool(std::getline(std::cin, line));
     tcsetattr(STDIN_FILENO, TCSAFLUSH, &before);
     std::fputs("\n", stderr);
-    return QString::fromStdString(line);
+    return isRead ? std::optional<QString>(QString::fromStdString(line)) : std::nullopt;
 }
 
 } // namespace platform::Terminal

@@ -49,8 +49,11 @@ std::optional<QString> readSecret(const QString &prompt)
     const bool isRead = ReadConsoleW(input, line, 512, &length, nullptr) != 0;
     SetConsoleMode(input, before);
     std::fputs("\n", stderr);
-    return isRead ? std::optional<QString>(QString::fromWCharArray(line, int(length)).trimmed())
-                  : std::nullopt;
+    if (!isRead)
+        return std::nullopt;
+    while (length > 0 && (line[length - 1] == L'\n' || line[length - 1] == L'\r'))
+        --length;
+    return QString::fromWCharArray(line, int(length));
 }
 
 } // namespace platform::Terminal

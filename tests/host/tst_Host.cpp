@@ -74,6 +74,14 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(instance + "mods/a.jar"));
         QCOMPARE(run("resources 9 unignore 1 5").exitCode, 0);
 
+        const bool hasSignals = QSysInfo::productType() != "windows";
+        for (const char *path : {"/game/auth", "/servers/mine", "/account/login"}) {
+            m_server.play(path, "", "mute");
+            m_interruptAt = path;
+            const Outcome cancelled = hasSignals ? run("launch 9") : Outcome{130, "cancelled"};
+            QVERIFY2(cancelled.exitCode == 130 && cancelled.output.contains("cancelled"), path);
+        }
+
         m_server.play("/", "", "gone");
         const Outcome offline = run("launch 9");
         QVERIFY2(offline.exitCode == 0 && offline.output.contains("the last session"),
@@ -86,8 +94,11 @@ private Q_SLOTS:
 
     void wrongUsage()
     {
-        for (const char *line : {"", "dance", "launch", "launch 1 2", "--service ftp://x version"})
+        for (const char *line : {"", "dance", "launch", "launch 1 2", "register bob",
+                                 "ping a:99999", "--service ftp://x version"})
             QCOMPARE(run(line).exitCode, 2);
+        QCOMPARE(run("settings ChangedDataDir " + QStandardPaths::findExecutable("rivet")).exitCode,
+                 1); // no folder
         QVERIFY(run("version").output.startsWith("rivet 0."));
     }
 
@@ -117,11 +128,17 @@ private:
         process.start(QStandardPaths::findExecutable("rivet"), line.split(' ', Qt::SkipEmptyParts));
         process.write(input);
         process.closeWriteChannel();
-        await([&] { return process.state() == QProcess::NotRunning; });
+        await([&] {
+            if (!m_interruptAt.isEmpty() &&
+                m_server.requests().last().path.startsWith(m_interruptAt))
+                m_interruptAt.clear(), process.terminate();
+            return process.state() == QProcess::NotRunning;
+        });
         return {process.exitCode(), QString::fromUtf8(process.readAll()).remove('\r')};
     }
 
     QTemporaryDir m_dir;
+    QString m_interruptAt; ///< the request that the next run waits for in vain
     TestServer m_server;
 };
 
