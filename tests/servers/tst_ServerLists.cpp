@@ -84,7 +84,10 @@ private Q_SLOTS:
                 request.startRequest();
                 QVERIFY(await([&] { return finished.size() == (isGood ? 1 : calls); }));
             }
-            QVERIFY(run.asked("/lan").size() == finished.size());
+            OnlineSrvInfoReq later; // reaches the service after what should not have been sent
+            later.startRequest();
+            QVERIFY(await([&] { return !later.getOnlineSrvInfoList().isEmpty(); }));
+            QCOMPARE(run.asked("/lan").size(), finished.size() + 1);
             QVERIFY(finished.last()[0] == isGood && request.isUpdated() == isGood);
             QString told;
             for (uint id = 0; id < 10; ++id)
