@@ -110,6 +110,8 @@ int servers(Host &host, const QStringList &)
     QList<Ping> pings;
     for (const tagOnlineSrvInfo &server : request.getOnlineSrvInfoList())
         pings << Ping{server.name, server.addresses.first().host, server.addresses.first().port};
+    if (!request.isUpdated() && pings.isEmpty())
+        host.output().error(QCoreApplication::translate("host", "the list can not be had"));
     askAll(pings);
     show(host, pings);
     return request.isUpdated() || !pings.isEmpty() ? ExitGood : ExitFailed;
@@ -119,11 +121,11 @@ int ping(Host &host, const QStringList &arguments)
 {
     QList<Ping> pings;
     for (const QString &address : arguments) {
-        const QString port = address.section(QLatin1Char(':'), 1);
-        const quint16 number = port.isEmpty() ? defaultPort : port.toUShort();
-        if (number == 0)
+        const QStringList parts = address.split(QLatin1Char(':'));
+        const quint16 port = parts.size() == 1 ? defaultPort : parts[1].toUShort();
+        if (parts.size() > 2 || parts[0].isEmpty() || port == 0)
             return ResourceWords::complain(host);
-        pings << Ping{{}, address.section(QLatin1Char(':'), 0, 0), number};
+        pings << Ping{{}, parts[0], port};
     }
     askAll(pings);
     show(host, pings);

@@ -30,7 +30,7 @@ ResourceConfigFile::Outcome ResourceConfigFile::read(QJsonObject &object)
 
 bool ResourceConfigFile::write(const QJsonObject &object)
 {
-    if (m_isDamaged && !setAside())
+    if (m_isDamaged && QFile::exists(path) && !setAside())
         return false;
     return BinaryJson::writeFile(path, object);
 }

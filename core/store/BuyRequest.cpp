@@ -17,8 +17,10 @@ void becomeVip(const StoreProp &prop, const QJsonObject &json)
 {
     const quint32 endTime = ServiceAnswer::time(json, "expiryData");
     const auto daysLeft = static_cast<quint32>(ServiceAnswer::number(json, "deadLine"));
-    RivetUserProfile *profile = RivetUserProfile::GetInstance();
+    const QPointer<RivetUserProfile> profile(RivetUserProfile::GetInstance());
     profile->UpdateUserVipInfoCache(static_cast<quint32>(prop.vipLevel), endTime, daysLeft);
+    if (!profile)
+        return; // a slot of refreshProfile() has ended the core
     profile->UpdataRivetUserInfo();
     MyPropListInfo::GetInstance()->UpdateList();
 }

@@ -103,6 +103,14 @@ private Q_SLOTS:
 
     void aDamagedFileIsSetAside()
     {
+        const QString folder = m_dir->filePath("folder");
+        QVERIFY(QDir().mkdir(folder) && !m_config->initialize(folder));
+        m_config->setGameInstanceConfig(2, {pack}, true);
+        QVERIFY(QFileInfo(folder).isFile() && QFileInfo(folder + ".damaged").isDir());
+        QVERIFY(FS::writeFile(folder, "damaged") && m_config->initialize(folder));
+        QVERIFY(QFile::remove(folder)); // by the user
+        m_config->setGameInstanceConfig(2, {pack}, true);
+        QVERIFY(QFileInfo(folder).isFile());
         QVERIFY(FS::writeFile(m_file, "damaged"));
         QVERIFY(m_config->initialize(m_file));
         QVERIFY(FS::readFile(m_file) == QByteArray("damaged"));
@@ -116,7 +124,7 @@ private Q_SLOTS:
             return QJsonObject{{"instId", owner}, {"resList", list}};
         };
         const auto key = [](const char *id) { return QJsonObject{{"resId", id}}; };
-        const QJsonArray entries{3, entry("x", QJsonArray{key("7")}), entry("2", "x"),
+        const QJsonArray entries{3, entry("3000000000", QJsonArray{key("7")}), entry("2", "x"),
                                  entry("3", QJsonArray{key("7x"), 5, key("4294967303")})};
         const LogCapture log;
         QVERIFY(
@@ -158,9 +166,9 @@ private Q_SLOTS:
         maps->setCustomMapResConfig("a", {0, mod, pack}, true);
         QVERIFY(!QFile::exists(file) && QDir(m_dir->path()).mkdir("maps"));
         maps->updateMapConfigFromRemote("a", {mod, other}, true);
-        maps->SetSrvDefaultResConfig("a", {pack});
         maps->setIgnoredRemoteMapCfg("a", {mod, pack, other}, false);
         maps->unSetIgnoredRemoteMapCfg("a", {other}, true);
+        maps->SetSrvDefaultResConfig("a", {pack}); // saved at the end of the process
         for (int run = 0; run < 2; ++run) {
             QCOMPARE(OMRC::GetMapResCfgList("a").count(mod), 1);
             QCOMPARE(text(OMRC::GetCurCustomResList("a", ResTypeResourcePacks)), "7");

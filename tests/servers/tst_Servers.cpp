@@ -83,7 +83,11 @@ private Q_SLOTS:
                 request.startRequest();
                 QVERIFY(await([&] { return finished.size() == ends; }));
             }
-            QVERIFY(run.asked("/lan").size() == finished.size() && finished[0][0] == isGood);
+            OnlineSrvInfoReq later; // reaches the service after what should not have been sent
+            later.startRequest();
+            QVERIFY(await([&] { return !later.getOnlineSrvInfoList().isEmpty(); }));
+            QCOMPARE(run.asked("/lan").size(), finished.size() + 1);
+            QVERIFY(finished[0][0] == isGood);
             QString told;
             for (uint id = 0; id < 10; ++id)
                 told += request.getSrvObject(id).isEmpty() ? "" : QString("%1 ").arg(id);

@@ -147,6 +147,7 @@ private Q_SLOTS:
             "store|half|no  1/09张|info failed_parse store list failed, error: code: |cut|cut",
             "store|{'code':4}|no P|code is 0 on parse store list!_parse store list |props|props",
             "store|!gone|no |error code:1_parse store list failed, error: code: |binary|binary",
+            "vip|none|1,5,0||levels|none",
             "vip|levels|L|parse vip welfare list failed, error: code: the value is|cut|levels",
             "vip|{'code':4}|no L|code is 0 on parse store list!_parse store li|levels|levels",
             "vip|!gone|no L|request store list info failed, error code:1|levels|levels",
@@ -164,6 +165,14 @@ private Q_SLOTS:
             bool isGood = run.isReady;
             for (const QString &action : cells[0].split(','))
                 isGood = run.perform(action) && isGood;
+            for (const QString &path : run.asked("sign=")) {
+                const QUrlQuery query(QUrl(path).query());
+                const QString text =
+                    "Q7K3XeLpmmTzb57" + query.queryItemValue("rand") + query.queryItemValue("time");
+                QCOMPARE(query.queryItemValue("sign").toUtf8(),
+                         QCryptographicHash::hash(text.toUtf8(), QCryptographicHash::Sha1).toHex());
+            }
+            QCOMPARE(run.asked("/use?").filter("&extra=8").size(), run.asked("/use?").size());
             QString is = isStore ? run.lists().mid(5) : isVip ? run.lists() : run.account();
             QString expected = QString(cells[2]).replace("=", "11x1@1 13x1@3* 12x2@0");
             expected.replace("P", " 11/09张 13/09张 12/09个 14/29张 15/0+9张 12/0+9张");
