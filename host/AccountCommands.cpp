@@ -68,7 +68,10 @@ int logOut(Host &host, const QStringList &arguments)
     }
     RivetLoginHost::GetInstance()->LogOut();
     RivetUserLoginInfoHelper::GetInstance()->RemoveAccount(user);
-    OfflineLogins::forget(user);
+    if (!OfflineLogins::forget(user)) {
+        host.output().error(text("what lets %1 play offline can not be removed").arg(user));
+        return ExitFailed;
+    }
     host.output().line(text("%1 is logged out").arg(user), {{QStringLiteral("user"), user}});
     return ExitGood;
 }

@@ -1,7 +1,6 @@
 #include "host/OfflineLogins.h"
 
 #include <QCryptographicHash>
-#include <QFile>
 #include <QJsonDocument>
 
 #include "core/foundation/FSH.h"
@@ -46,10 +45,8 @@ bool OfflineLogins::keep(const QString &userName, const Login &login)
     const QJsonObject object{{QStringLiteral("answer"), login.answer},
                              {QStringLiteral("session"), toJson(login.session)}};
     QByteArray record;
-    const QString file = fileOf(userName);
     return QTAes::EncryptByteArrayByCpuid(QJsonDocument(object).toJson(), record) &&
-           FS::writeFile(file, record) &&
-           QFile::setPermissions(file, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+           FS::writePrivateFile(fileOf(userName), record) == FS::WriteResult::Written;
 }
 
 std::optional<OfflineLogins::Login> OfflineLogins::of(const QString &userName)
@@ -63,7 +60,7 @@ std::optional<OfflineLogins::Login> OfflineLogins::of(const QString &userName)
                  sessionIn(object[QStringLiteral("session")].toObject())};
 }
 
-void OfflineLogins::forget(const QString &userName)
+bool OfflineLogins::forget(const QString &userName)
 {
-    FS::removeFile(fileOf(userName));
+    return bool(FS::removeFile(fileOf(userName)));
 }

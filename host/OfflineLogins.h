@@ -22,6 +22,7 @@ struct Login
 [[nodiscard]] bool keep(const QString &userName, const Login &login);
 /// Nothing if there is none, or it is of another machine.
 std::optional<Login> of(const QString &userName);
-void forget(const QString &userName);
+/// False if there is one and it can't be removed.
+[[nodiscard]] bool forget(const QString &userName);
 
 } // namespace OfflineLogins
