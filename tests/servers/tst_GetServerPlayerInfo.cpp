@@ -68,7 +68,7 @@ private Q_SLOTS:
         const QByteArray whole = hex("230021") + text;
         QList<Row> rows{{"cut", whole + "}", minute, "1 0 20 5 "},
                         {"late", whole, minute, "1 0 20 5 3"},
-                        {"trickle", hex("ffffffffff00") + "\x18{\"players\":{\"online\":7}}",
+                        {"trickle", hex("a38080808000") + "\x18{\"players\":{\"online\":7}}",
                          minute, "1 0 -1 7 "},
                         {"", hex("00000e") + R"({"players":{}})", minute, "1 2   "},
                         {"", "", 0, "0 2   "},
