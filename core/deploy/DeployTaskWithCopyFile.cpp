@@ -5,6 +5,7 @@
 #include <QFileInfo>
 
 #include "support/coresupport/CCommonFunction.h"
+#include "support/jsonfskit/FS.h"
 
 DeployTaskWithCopyFile::DeployTaskWithCopyFile(const QString &fileName, const DTskContext &context,
                                                QObject *parent)
@@ -19,7 +20,7 @@ void DeployTaskWithCopyFile::deploy()
         return fail(tr("failed, skin deploy dir is empty. "));
     if (!QFileInfo(source).isFile())
         return fail(tr("src file is not exists. "));
-    if (!QDir().mkpath(folder))
+    if (!FS::makeFolder(folder))
         return fail(tr("can not create dir %1.").arg(folder));
     const QString target = folder % QLatin1Char('/') % m_fileName;
     CCommonFunction::DeleteSingleFile(target);

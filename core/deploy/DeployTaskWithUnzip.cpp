@@ -35,10 +35,10 @@ void DeployTaskWithUnzip::deploy()
     const QString folder = context().deployDir;
     if (folder.isEmpty() || !QFileInfo(context().srcFile).isFile())
         return fail(tr("unknown error"));
-    if (!QDir().mkpath(folder))
+    if (!FS::makeFolder(folder))
         return fail(tr("can not create dir  %1.").arg(folder));
     m_lock = UnpackFolder::lock(m_tempFolder);
-    if (!QDir().mkpath(m_tempFolder)) {
+    if (!FS::makeFolder(m_tempFolder)) {
         m_lock.reset();
         return fail(tr("can not create dir %1.").arg(m_tempFolder));
     }

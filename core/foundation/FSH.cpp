@@ -15,6 +15,7 @@
 #include "platform/LocalAppData.h"
 #include "platform/VersionStrings.h"
 #include "support/coresupport/DirectoryNames.h"
+#include "support/jsonfskit/FS.h"
 #include "support/jsonfskit/Log.h"
 
 namespace FSH {
@@ -94,7 +95,7 @@ bool moveContent(const QString &from, const QString &to, bool keepTarget)
 {
     // Read before the target is made: it may lie in the source.
     const QStringList names = QDir(from).entryList(allEntries, QDir::Unsorted);
-    if (!QDir().mkpath(to))
+    if (!FS::makeFolder(to))
         return false;
     return std::all_of(names.begin(), names.end(), [&](const QString &name) {
         // A link to a directory is moved as a link: what it points to is not ours to move.
@@ -120,7 +121,7 @@ QString absolutePathWithAppDir(const QString &path)
         absolute = QDir(QCoreApplication::applicationDirPath()).absoluteFilePath(absolute);
     absolute = QDir::cleanPath(absolute);
     // QDir::exists() takes a file for a directory.
-    if (QFileInfo(absolute).isDir() || QDir().mkpath(absolute))
+    if (FS::makeFolder(absolute))
         return absolute;
     Log::critical(QStringLiteral("it has not game data path."));
     return {};

@@ -41,9 +41,20 @@ WriteResult replaceContent(const QString &path, const QByteArray &data, Readers 
 
 } // namespace
 
+bool makeFolder(const QString &path)
+{
+    // Who loses a race finds what the winner has made, so each try gets further.
+    constexpr int mostTries = 4;
+    for (int tries = 0; tries < mostTries; ++tries) {
+        if (QDir().mkpath(path) || QFileInfo(path).isDir())
+            return true;
+    }
+    return false;
+}
+
 bool ensureFilePathExists(QString filePath)
 {
-    return QDir().mkpath(QFileInfo(filePath).absolutePath());
+    return makeFolder(QFileInfo(filePath).absolutePath());
 }
 
 std::optional<QByteArray> readFile(const QString &path)

@@ -11,6 +11,11 @@
 /// Whole files and their removal. Any thread; every call blocks until it is done.
 namespace FS {
 
+/// Makes the directory @p path with all above it; true as well if it is there. Unlike
+/// QDir::mkpath() it does not fail on Windows where another thread makes one of them at the same
+/// time.
+[[nodiscard]] JSONFSKIT_EXPORT bool makeFolder(const QString &path);
+
 /// Creates the directories above the file @p filePath; false if it cannot.
 JSONFSKIT_EXPORT bool ensureFilePathExists(QString filePath);
 
