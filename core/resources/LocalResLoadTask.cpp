@@ -1,9 +1,16 @@
 #include "core/resources/LocalResLoadTask.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QTextStream>
 
 #include "support/coresupport/DirectoryNames.h"
+
+namespace {
+
+constexpr int mostNamesInATurn = 1000;
+
+} // namespace
 
 LocalResLoadTask::LocalResLoadTask(const QString &baseDir, QObject *parent)
     : TaskAbstract(parent),
@@ -46,8 +53,17 @@ void LocalResLoadTask::listNextDirectory()
         return;
     }
     const auto next = m_pendingDirectories.begin();
-    const QDir directory(m_baseDir % QDir::separator() % next.key());
-    m_foundFiles[next.value()] = directory.entryList(m_nameFilters, QDir::Files, QDir::Unsorted);
+    if (!m_listing)
+        m_listing = std::make_unique<QDirIterator>(m_baseDir % QDir::separator() % next.key(),
+                                                   m_nameFilters, QDir::Files);
+    QStringList &found = m_foundFiles[next.value()];
+    for (int names = 0; names < mostNamesInATurn && m_listing->hasNext(); ++names) {
+        m_listing->next();
+        found += m_listing->fileName();
+    }
+    if (m_listing->hasNext())
+        return;
+    m_listing.reset();
     m_pendingDirectories.erase(next);
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include <QHash>
 #include <QMap>
 #include <QMetaObject>
@@ -11,11 +13,14 @@
 #include "core/foundation/ResourceKey.h"
 #include "support/coresupport/TaskAbstract.h"
 
+class QDirIterator;
+
 /// Finds the resources that lie on disk by their .inf files, Java runtimes excepted.
 ///
-/// Main thread only; started once. Each turn of the event loop lists one directory or looks at one
-/// file, so that a large collection does not freeze the host. It always ends in success, and does
-/// not open the files: whether one is sound is found by who loads it.
+/// Main thread only; started once. Each turn of the event loop lists one directory, of a large one
+/// only a part, or looks at one file, so that a large collection does not freeze the host. It
+/// always ends in success, and does not open the files: whether one is sound is found by who loads
+/// it.
 class RIVETCORE_EXPORT LocalResLoadTask : public TaskAbstract
 {
     Q_OBJECT
@@ -39,6 +44,7 @@ private:
     const QStringList m_nameFilters;
     const QRegExp m_filePattern;
     QMap<QString, ResType> m_pendingDirectories;
+    std::unique_ptr<QDirIterator> m_listing; ///< of the first of them, once begun
     QHash<ResType, QStringList> m_foundFiles;
     const QString m_baseDir;
     QTimer m_timer;
