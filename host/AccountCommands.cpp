@@ -17,12 +17,9 @@
 #include "host/OfflineLogins.h"
 #include "platform/Terminal.h"
 
-namespace {
+using Commands::text;
 
-QString text(const char *source)
-{
-    return QCoreApplication::translate("host", source);
-}
+namespace {
 
 /// From the terminal, unseen; or the first line of the standard input, for --password-stdin.
 QString askForPassword()

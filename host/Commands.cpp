@@ -62,6 +62,11 @@ int moveData(Host &host, const QString &folder)
 
 namespace Commands {
 
+QString text(const char *source)
+{
+    return QCoreApplication::translate("host", source);
+}
+
 const Command *all()
 {
     return table;

@@ -31,6 +31,9 @@ namespace Commands {
 const Command *all();
 const Command *byName(const QString &name);
 
+/// A text for the user, in his language.
+QString text(const char *source);
+
 // Accounts
 int logIn(Host &host, const QStringList &arguments);
 int logOut(Host &host, const QStringList &arguments);

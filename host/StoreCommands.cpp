@@ -12,20 +12,11 @@
 #include "core/store/VipWelfareInfo.h"
 #include "host/Commands.h"
 #include "host/Host.h"
+#include "host/ResourceWords.h"
+
+using Commands::text;
 
 namespace {
-
-QString text(const char *source)
-{
-    return QCoreApplication::translate("host", source);
-}
-
-/// Says that the usage is wrong; the exit code for that.
-int complain(Host &host)
-{
-    host.output().error(text("see rivet --help"));
-    return ExitUsage;
-}
 
 /// Waits for what the core does not tell the failure of; its requests end after 15 s.
 void waitFor(const std::function<bool()> &isThere)
@@ -207,7 +198,7 @@ int useProp(Host &host, const QStringList &arguments)
     const QString wish = arguments.value(1, QStringLiteral("on"));
     const bool isOn = wish == QLatin1String("on");
     if (!isOn && wish != QLatin1String("off"))
-        return complain(host);
+        return ResourceWords::complain(host);
     if (!openStore(host))
         return ExitFailed;
     const quint32 id = arguments.value(0).toUInt();
@@ -255,7 +246,7 @@ int store(Host &host, const QStringList &arguments)
             count <= action.mostArguments)
             return action.run(host, arguments.mid(1));
     }
-    return complain(host);
+    return ResourceWords::complain(host);
 }
 
 int vip(Host &host, const QStringList &)
