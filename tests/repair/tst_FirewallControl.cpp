@@ -134,7 +134,8 @@ struct FakeFirewall : Firewall
     mutable World world;
 };
 
-const Firewall::SystemVersion newer{10, 0, 0};
+// Next to each other where the interfaces change.
+const Firewall::SystemVersion newer{5, 2, 0};
 const Firewall::SystemVersion older{5, 1, 3};
 const RuleInfo rule{"C:\\app.exe", "name", "what"};
 
@@ -241,6 +242,7 @@ private Q_SLOTS:
         firewall.mode = com::changedMode;
         CWinFirewallControl control;
         control.setFirewallPolicy();
+        QCOMPARE(firewall.world.on, "100-0");
         control.resumeFirewallPolicy();
         QCOMPARE(firewall.world.on, "110-1");
         firewall.world.on = "100-1"; // by the user
