@@ -30,7 +30,13 @@ struct Step : TaskAbstract
 struct PaperServers final : platform::NameServers
 {
     PaperServers() { replace(this); }
-    ~PaperServers() override { replace(nullptr); }
+    /// Not before the work has ended, which else would find the real ones.
+    ~PaperServers() override
+    {
+        mayAnswer.release();
+        QThreadPool::globalInstance()->waitForDone();
+        replace(nullptr);
+    }
     QString first() const override { return mayAnswer.acquire(), address; }
     void run(const QString &command, std::chrono::milliseconds) const override
     {
