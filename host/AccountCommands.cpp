@@ -15,9 +15,8 @@
 #include "host/Commands.h"
 #include "host/Host.h"
 #include "host/OfflineLogins.h"
+#include "host/Text.h"
 #include "platform/Terminal.h"
-
-using Commands::text;
 
 namespace {
 
@@ -27,7 +26,7 @@ QString askForPassword()
     const bool isFromInput =
         QCoreApplication::arguments().contains(QLatin1String("--password-stdin"));
     if (!isFromInput)
-        return platform::Terminal::readSecret(text("Password: ")).value_or(QString());
+        return platform::Terminal::readSecret(Text::tr("Password: ")).value_or(QString());
     std::string line;
     std::getline(std::cin, line);
     if (!line.empty() && line.back() == '\r')
@@ -43,14 +42,15 @@ int logIn(Host &host, const QStringList &arguments)
 {
     const QString password = askForPassword();
     if (password.isEmpty()) {
-        host.output().error(text("a password is needed: at the terminal, or by --password-stdin"));
+        host.output().error(
+            Text::tr("a password is needed: at the terminal, or by --password-stdin"));
         return ExitUsage;
     }
     if (host.logIn(arguments[0], password) != Host::LoginOutcome::Online)
         return ExitFailed;
     auto *profile = RivetUserProfile::GetInstance();
     host.output().line(
-        text("logged in as %1, account %2").arg(profile->userName()).arg(profile->getBid()),
+        Text::tr("logged in as %1, account %2").arg(profile->userName()).arg(profile->getBid()),
         {{QStringLiteral("user"), profile->userName()},
          {QStringLiteral("bid"), double(profile->getBid())}});
     return ExitGood;
@@ -60,16 +60,16 @@ int logOut(Host &host, const QStringList &arguments)
 {
     const QString user = arguments.value(0, host.rememberedUser());
     if (user.isEmpty()) {
-        host.output().error(text("nobody is logged in"));
+        host.output().error(Text::tr("nobody is logged in"));
         return ExitFailed;
     }
     RivetLoginHost::GetInstance()->LogOut();
     RivetUserLoginInfoHelper::GetInstance()->RemoveAccount(user);
     if (!OfflineLogins::forget(user)) {
-        host.output().error(text("what lets %1 play offline can not be removed").arg(user));
+        host.output().error(Text::tr("what lets %1 play offline can not be removed").arg(user));
         return ExitFailed;
     }
-    host.output().line(text("%1 is logged out").arg(user), {{QStringLiteral("user"), user}});
+    host.output().line(Text::tr("%1 is logged out").arg(user), {{QStringLiteral("user"), user}});
     return ExitGood;
 }
 
@@ -82,10 +82,9 @@ int accounts(Host &host, const QStringList &)
         rows << QStringList{user.key(),
                             last > 0 ? QDateTime::fromSecsSinceEpoch(last).toString(Qt::ISODate)
                                      : QString(),
-                            user.key() == list->lastLoginUser ? QStringLiteral("yes") : QString()};
+                            user.key() == list->lastLoginUser ? Text::tr("yes") : QString()};
     }
-    host.output().table(
-        {QStringLiteral("user"), QStringLiteral("last login"), QStringLiteral("current")}, rows);
+    host.output().table({Text::tr("user"), Text::tr("last login"), Text::tr("current")}, rows);
     return ExitGood;
 }
 
@@ -105,10 +104,11 @@ int registerAccount(Host &host, const QStringList &arguments)
     registration->registerAccount(arguments[0], askForPassword(), arguments.value(1));
     runUntil([&outcome] { return outcome.has_value(); });
     if (!*outcome) {
-        host.output().error(reason.isEmpty() ? text("the service refuses the account") : reason);
+        host.output().error(reason.isEmpty() ? Text::tr("the service refuses the account")
+                                             : reason);
         return ExitFailed;
     }
-    host.output().line(text("%1 is registered").arg(arguments[0]),
+    host.output().line(Text::tr("%1 is registered").arg(arguments[0]),
                        {{QStringLiteral("user"), arguments[0]}});
     return ExitGood;
 }

@@ -1,48 +1,64 @@
 #include "host/Commands.h"
 
-#include <QCoreApplication>
-
 #include "core/foundation/Environment.h"
 #include "core/foundation/FSH.h"
 #include "core/foundation/MCSettings.h"
 #include "host/Host.h"
+#include "host/Text.h"
 
 namespace {
 
 constexpr Command table[] = {
-    {"login", "USER [--password-stdin]", "log in and stay logged in", 1, 1, &Commands::logIn},
-    {"logout", "[USER]", "forget a user, with all that lets him play offline", 0, 1,
+    {"login", "USER [--password-stdin]", QT_TRANSLATE_NOOP("host", "log in and stay logged in"), 1,
+     1, &Commands::logIn},
+    {"logout", "[USER]",
+     QT_TRANSLATE_NOOP("host", "forget a user, with all that lets him play offline"), 0, 1,
      &Commands::logOut},
-    {"accounts", "", "who has logged in on this machine", 0, 0, &Commands::accounts},
-    {"register", "USER CODE [--password-stdin]", "make an account; CODE is the verification code",
-     2, 2, &Commands::registerAccount},
-    {"clients", "", "the game clients that the service offers", 0, 0, &Commands::clients},
-    {"java", "", "the Java runtimes that the service offers", 0, 0, &Commands::java},
-    {"instances", "", "the instances of the user who is logged in", 0, 0, &Commands::instances},
+    {"accounts", "", QT_TRANSLATE_NOOP("host", "who has logged in on this machine"), 0, 0,
+     &Commands::accounts},
+    {"register", "USER CODE [--password-stdin]",
+     QT_TRANSLATE_NOOP("host", "make an account; CODE is the verification code"), 2, 2,
+     &Commands::registerAccount},
+    {"clients", "", QT_TRANSLATE_NOOP("host", "the game clients that the service offers"), 0, 0,
+     &Commands::clients},
+    {"java", "", QT_TRANSLATE_NOOP("host", "the Java runtimes that the service offers"), 0, 0,
+     &Commands::java},
+    {"instances", "", QT_TRANSLATE_NOOP("host", "the instances of the user who is logged in"), 0, 0,
+     &Commands::instances},
     {"resources",
      "INSTANCE [list | add TYPE ID | remove TYPE ID | ignore TYPE ID | "
      "unignore TYPE ID]",
-     "the resources of an instance; add and remove are the user's own, ignore switches a default "
-     "off",
+     QT_TRANSLATE_NOOP("host", "the resources of an instance; add and remove are the user's own, "
+                               "ignore switches a default "
+                               "off"),
      1, 4, &Commands::resources},
-    {"servers", "", "the public servers, with their players", 0, 0, &Commands::servers},
-    {"ping", "HOST[:PORT]...", "ask game servers for their players, the quickest first", 1, 1000,
+    {"servers", "", QT_TRANSLATE_NOOP("host", "the public servers, with their players"), 0, 0,
+     &Commands::servers},
+    {"ping", "HOST[:PORT]...",
+     QT_TRANSLATE_NOOP("host", "ask game servers for their players, the quickest first"), 1, 1000,
      &Commands::ping},
     {"maps", "MAP [list | add TYPE ID | remove TYPE ID | ignore TYPE ID | unignore TYPE ID]",
-     "the resources of a map, as for an instance", 1, 4, &Commands::maps},
-    {"mask", "TEXT", "the text without the words that the installation hides", 1, 1,
+     QT_TRANSLATE_NOOP("host", "the resources of a map, as for an instance"), 1, 4,
+     &Commands::maps},
+    {"mask", "TEXT",
+     QT_TRANSLATE_NOOP("host", "the text without the words that the installation hides"), 1, 1,
      &Commands::mask},
-    {"tip", "", "a hint", 0, 0, &Commands::tip},
-    {"launch", "INSTANCE", "make everything ready, start the game and stay until it ends", 1, 1,
-     &Commands::launch},
+    {"tip", "", QT_TRANSLATE_NOOP("host", "a hint"), 0, 0, &Commands::tip},
+    {"launch", "INSTANCE",
+     QT_TRANSLATE_NOOP("host", "make everything ready, start the game and stay until it ends"), 1,
+     1, &Commands::launch},
     {"store", "list | buy PROP [FORM] | mine | use PROP [on | off]",
-     "what the store sells, and the user's money and props; FORM is one of the ways in which a "
-     "prop is sold",
+     QT_TRANSLATE_NOOP(
+         "host",
+         "what the store sells, and the user's money and props; FORM is one of the ways in which a "
+         "prop is sold"),
      1, 3, &Commands::store},
-    {"vip", "", "what each VIP level gives", 0, 0, &Commands::vip},
-    {"settings", "[KEY [VALUE]]", "show or change what the launcher remembers", 0, 2,
+    {"vip", "", QT_TRANSLATE_NOOP("host", "what each VIP level gives"), 0, 0, &Commands::vip},
+    {"settings", "[KEY [VALUE]]",
+     QT_TRANSLATE_NOOP("host", "show or change what the launcher remembers"), 0, 2,
      &Commands::settings},
-    {"version", "", "the version of the program", 0, 0, &Commands::version},
+    {"version", "", QT_TRANSLATE_NOOP("host", "the version of the program"), 0, 0,
+     &Commands::version},
     {nullptr, nullptr, nullptr, 0, 0, nullptr},
 };
 
@@ -53,19 +69,13 @@ int moveData(Host &host, const QString &folder)
     store->validateSettingValues();
     if (store->value(QStringLiteral("DataPath"), QVariant()).toString() == folder)
         return ExitGood;
-    host.output().error(
-        QCoreApplication::translate("host", "the game data can not lie in %1").arg(folder));
+    host.output().error(Text::tr("the game data can not lie in %1").arg(folder));
     return ExitFailed;
 }
 
 } // namespace
 
 namespace Commands {
-
-QString text(const char *source)
-{
-    return QCoreApplication::translate("host", source);
-}
 
 const Command *all()
 {
@@ -98,7 +108,7 @@ int settings(Host &host, const QStringList &arguments)
         if (arguments.isEmpty() || arguments[0] == name)
             rows << QStringList{name, store->value(name, QVariant()).toString()};
     }
-    host.output().table({QStringLiteral("key"), QStringLiteral("value")}, rows);
+    host.output().table({Text::tr("key"), Text::tr("value")}, rows);
     return rows.isEmpty() ? ExitFailed : ExitGood;
 }
 

@@ -19,7 +19,7 @@ struct Command
 {
     const char *name;
     const char *arguments; ///< as the usage shows them
-    const char *summary;
+    const char *summary;   ///< the source of a text for the user, in the context "host"
     int fewestArguments;
     int mostArguments;
     int (*run)(Host &host, const QStringList &arguments);
@@ -30,9 +30,6 @@ namespace Commands {
 /// Ends with an entry whose name is null.
 const Command *all();
 const Command *byName(const QString &name);
-
-/// A text for the user, in his language.
-QString text(const char *source);
 
 // Accounts
 int logIn(Host &host, const QStringList &arguments);

@@ -1,6 +1,5 @@
 #include "host/Host.h"
 
-#include <QCoreApplication>
 #include <QEventLoop>
 #include <QTimer>
 
@@ -19,6 +18,7 @@
 #include "core/servers/MyMcGameInstMgr.h"
 #include "host/Interrupts.h"
 #include "host/OfflineLogins.h"
+#include "host/Text.h"
 
 namespace {
 
@@ -71,7 +71,7 @@ Host::LoginOutcome Host::logInRememberedUser()
     const QString user = rememberedUser();
     if (!user.isEmpty())
         return logIn(user);
-    m_output.error(QCoreApplication::translate("host", "nobody is logged in: rivet login USER"));
+    m_output.error(Text::tr("nobody is logged in: rivet login USER"));
     return LoginOutcome::Refused;
 }
 

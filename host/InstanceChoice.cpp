@@ -1,9 +1,8 @@
 #include "host/InstanceChoice.h"
 
-#include <QCoreApplication>
-
 #include "core/servers/MyMcGameInstMgr.h"
 #include "host/Host.h"
+#include "host/Text.h"
 
 std::optional<InstanceChoice> InstanceChoice::known(const QString &word)
 {
@@ -24,7 +23,6 @@ std::optional<InstanceChoice> InstanceChoice::find(Host &host, const QString &wo
     host.updateInstances();
     auto choice = known(word);
     if (!choice)
-        host.output().error(
-            QCoreApplication::translate("host", "there is no instance %1").arg(word));
+        host.output().error(Text::tr("there is no instance %1").arg(word));
     return choice;
 }

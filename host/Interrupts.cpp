@@ -1,20 +1,20 @@
 #include "host/Interrupts.h"
 
-#include <csignal>
+#include <atomic>
 #include <cstdlib>
 
 #include "host/Commands.h"
+#include "platform/Terminal.h"
 
 namespace {
 
-volatile std::sig_atomic_t interrupts = 0;
-volatile std::sig_atomic_t isGuarded = 0;
+// Without locks, and so fit for a signal handler.
+std::atomic<int> interrupts{0};
+std::atomic<bool> isGuarded{false};
 
-extern "C" void onInterrupt(int signal)
+void onInterrupt()
 {
-    std::signal(signal, &onInterrupt); // Windows forgets the handler at each call
-    interrupts = interrupts + 1;
-    if (interrupts > 1 && !isGuarded)
+    if (++interrupts > 1 && !isGuarded)
         std::_Exit(ExitCancelled);
 }
 
@@ -22,8 +22,7 @@ extern "C" void onInterrupt(int signal)
 
 void Interrupts::watch()
 {
-    std::signal(SIGINT, &onInterrupt);
-    std::signal(SIGTERM, &onInterrupt);
+    platform::Terminal::watchEnd(&onInterrupt);
 }
 
 int Interrupts::count()
@@ -33,5 +32,5 @@ int Interrupts::count()
 
 void Interrupts::setGuarded(bool is)
 {
-    isGuarded = is ? 1 : 0;
+    isGuarded = is;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Ctrl-C, and the request to end of other programs: the first one asks for an end in good order,
+/// Ctrl-C, the request to end of other programs, and the end of the terminal: the first one asks for an end in good order,
 /// the second one ends the program at once.
 namespace Interrupts {
 

@@ -1,6 +1,5 @@
 #include <cstdlib>
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QTimer>
@@ -11,6 +10,7 @@
 #include "host/InstanceChoice.h"
 #include "host/Interrupts.h"
 #include "host/LaunchInstance.h"
+#include "host/Text.h"
 
 namespace {
 
@@ -90,7 +90,8 @@ private:
     {
         m_isGameUp = true;
         m_output.endProgress();
-        m_output.line(tr("the game runs"), {{QStringLiteral("event"), QStringLiteral("game")}});
+        m_output.line(Text::tr("the game runs"),
+                      {{QStringLiteral("event"), QStringLiteral("game")}});
     }
 
     void onEnded(bool isGood, int error, const QString &reason)
@@ -100,10 +101,10 @@ private:
         Interrupts::setGuarded(false);
         // On a terminal the interrupt reaches the game, too, which may end before we look.
         if (Interrupts::count() > 0) {
-            m_output.error(tr("cancelled"));
+            m_output.error(Text::tr("cancelled"));
             m_exitCode = ExitCancelled;
         } else if (isGood) {
-            m_output.line(tr("the game has ended"),
+            m_output.line(Text::tr("the game has ended"),
                           {{QStringLiteral("event"), QStringLiteral("done")}});
             m_exitCode = ExitGood;
         } else {
@@ -149,8 +150,7 @@ int Commands::launch(Host &host, const QStringList &arguments)
     host.loadResources();
     const auto choice = InstanceChoice::known(arguments[0]);
     if (!choice) {
-        host.output().error(
-            QCoreApplication::translate("host", "there is no instance %1").arg(arguments[0]));
+        host.output().error(Text::tr("there is no instance %1").arg(arguments[0]));
         return ExitFailed;
     }
     const auto instance =

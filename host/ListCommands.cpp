@@ -1,4 +1,5 @@
-#include <QCoreApplication>
+#include <algorithm>
+
 #include <QNetworkReply>
 
 #include "core/config/GameResConfig.h"
@@ -9,6 +10,7 @@
 #include "host/Host.h"
 #include "host/InstanceChoice.h"
 #include "host/ResourceWords.h"
+#include "host/Text.h"
 
 namespace {
 
@@ -22,7 +24,7 @@ bool fetch(Host &host, List &list)
     list.updateList();
     runUntil([&isDone] { return isDone; });
     if (!list.isListUpdated())
-        host.output().error(QCoreApplication::translate("host", "the list can not be had"));
+        host.output().error(Text::tr("the list can not be had"));
     return list.isListUpdated();
 }
 
@@ -34,8 +36,10 @@ QStringList rowOf(const QJsonObject &record)
     return row;
 }
 
-const QStringList recordHead{QStringLiteral("id"), QStringLiteral("name"), QStringLiteral("ver"),
-                             QStringLiteral("description")};
+QStringList recordHead()
+{
+    return {Text::tr("id"), Text::tr("name"), Text::tr("ver"), Text::tr("description")};
+}
 
 using Change = void (GameResConfig::*)(unsigned int, const QSet<quint64> &, bool);
 
@@ -58,7 +62,7 @@ int clients(Host &host, const QStringList &)
     QList<QStringList> rows;
     for (const QJsonObject &client : list->gameClients())
         rows << rowOf(client);
-    host.output().table(recordHead, rows);
+    host.output().table(recordHead(), rows);
     return ExitGood;
 }
 
@@ -70,7 +74,7 @@ int java(Host &host, const QStringList &)
     QList<QStringList> rows;
     for (const QJsonObject &runtime : list->javas())
         rows << rowOf(runtime);
-    host.output().table(recordHead, rows);
+    host.output().table(recordHead(), rows);
     return ExitGood;
 }
 
@@ -80,10 +84,12 @@ int instances(Host &host, const QStringList &)
         return ExitFailed;
     host.updateInstances();
     auto *list = MyMcGameInstMgr::GetInstance();
+    auto ids = list->getGameInstIdList();
+    std::sort(ids.begin(), ids.end());
     QList<QStringList> rows;
-    for (const unsigned int id : list->getGameInstIdList())
+    for (const unsigned int id : qAsConst(ids))
         rows << rowOf(list->getGameInstanceInfo(id));
-    host.output().table(recordHead, rows);
+    host.output().table(recordHead(), rows);
     return ExitGood;
 }
 

@@ -6,6 +6,7 @@
 #include <QLocale>
 #include <QRegularExpression>
 
+#include "host/Text.h"
 #include "platform/Terminal.h"
 
 namespace {
@@ -40,8 +41,40 @@ QString sizeText(quint64 bytes)
 
 QString timeText(quint64 seconds)
 {
-    return seconds < 60 ? QStringLiteral("%1 s").arg(seconds)
-                        : QStringLiteral("%1 min %2 s").arg(seconds / 60).arg(seconds % 60);
+    return seconds < 60 ? Text::tr("%1 s").arg(seconds)
+                        : Text::tr("%1 min %2 s").arg(seconds / 60).arg(seconds % 60);
+}
+
+/// How many columns of a terminal a character takes: two for those of East Asian scripts.
+int columnsOf(QChar character)
+{
+    const ushort code = character.unicode();
+    const bool isWide = (code >= 0x1100 && code <= 0x115F) || (code >= 0x2E80 && code <= 0xA4CF) ||
+                        (code >= 0xAC00 && code <= 0xD7A3) || (code >= 0xF900 && code <= 0xFAFF) ||
+                        (code >= 0xFE30 && code <= 0xFE6F) || (code >= 0xFF00 && code <= 0xFF60) ||
+                        (code >= 0xFFE0 && code <= 0xFFE6);
+    return isWide ? 2 : 1;
+}
+
+int columnsOf(const QString &text)
+{
+    int columns = 0;
+    for (const QChar character : text)
+        columns += columnsOf(character);
+    return columns;
+}
+
+QString filledUp(const QString &text, int columns)
+{
+    return text % QString(qMax(0, columns - columnsOf(text)), QLatin1Char(' '));
+}
+
+QString cutOff(const QString &text, int columns)
+{
+    int length = 0;
+    while (length < text.size() && columnsOf(text[length]) <= columns)
+        columns -= columnsOf(text[length++]);
+    return text.left(length);
 }
 
 } // namespace
@@ -63,15 +96,15 @@ void Output::table(const QStringList &head, const QList<QStringList> &rows) cons
 {
     QList<int> widths;
     for (int column = 0; column < head.size(); ++column) {
-        int width = head[column].size();
+        int width = columnsOf(head[column]);
         for (const QStringList &row : rows)
-            width = qMax(width, row.value(column).size());
+            width = qMax(width, columnsOf(row.value(column)));
         widths << width;
     }
     const auto printRow = [&](const QStringList &row) {
         QString text;
         for (int column = 0; column < head.size(); ++column)
-            text += row.value(column).leftJustified(widths[column] + 2);
+            text += filledUp(row.value(column), widths[column] + 2);
         while (text.endsWith(QLatin1Char(' ')))
             text.chop(1);
         print(text % QLatin1Char('\n'));
@@ -159,14 +192,13 @@ QString Output::transferText(const Transfer &transfer)
 {
     if (transfer.totalBytes == 0)
         return {};
-    QString text =
-        sizeText(transfer.doneBytes) % QLatin1String(" of ") % sizeText(transfer.totalBytes);
-    if (transfer.bytesPerSecond > 0 && transfer.doneBytes < transfer.totalBytes) {
-        const quint64 left = transfer.totalBytes - transfer.doneBytes;
-        text += QLatin1String(", ") % sizeText(transfer.bytesPerSecond) % QLatin1String("/s, ") %
-                timeText(left / transfer.bytesPerSecond + 1) % QLatin1String(" left");
-    }
-    return text;
+    const QString done =
+        Text::tr("%1 of %2").arg(sizeText(transfer.doneBytes), sizeText(transfer.totalBytes));
+    if (transfer.bytesPerSecond == 0 || transfer.doneBytes >= transfer.totalBytes)
+        return done;
+    const quint64 left = transfer.totalBytes - transfer.doneBytes;
+    return Text::tr("%1, %2/s, %3 left")
+        .arg(done, sizeText(transfer.bytesPerSecond), timeText(left / transfer.bytesPerSecond + 1));
 }
 
 /// Where the line is short, the name of the stage gives way to the figures.
@@ -180,8 +212,8 @@ void Output::redraw()
         QString(filled, QLatin1Char('#')) % QString(barWidth - filled, QLatin1Char('.'));
     const QString head = QStringLiteral("[%1] %2 %  ").arg(bar).arg(qMax(m_percent, 0), 3);
     const QString figures = QLatin1String("  ") % transferText(m_transfer);
-    const int room = qMax(0, width - head.size() - figures.size());
-    const QString text = head % m_stage.left(room) % figures;
-    print(QLatin1Char('\r') % text.left(width).leftJustified(width));
+    const int room = qMax(0, width - columnsOf(head) - columnsOf(figures));
+    const QString text = head % cutOff(m_stage, room) % figures;
+    print(QLatin1Char('\r') % filledUp(cutOff(text, width), width));
     m_isLineOpen = true;
 }

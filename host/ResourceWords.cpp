@@ -2,10 +2,9 @@
 
 #include <algorithm>
 
-#include <QCoreApplication>
-
 #include "host/Commands.h"
 #include "host/Host.h"
+#include "host/Text.h"
 
 namespace {
 
@@ -24,12 +23,15 @@ quint64 ResourceWords::keyIn(const QStringList &typeAndId)
 {
     const quint32 type = typeAndId.value(0).toUInt();
     const quint32 id = typeAndId.value(1).toUInt();
-    return type == 0 || id == 0 ? 0 : ResourceKey::pack(id, static_cast<ResType>(type));
+    static constexpr quint32 types[] = {ResTypeMods, ResTypeSaves, ResTypeResourcePacks,
+                                        ResTypeOther, ResTypeShaders};
+    const bool isKnown = std::find(std::begin(types), std::end(types), type) != std::end(types);
+    return !isKnown || id == 0 ? 0 : ResourceKey::pack(id, static_cast<ResType>(type));
 }
 
 int ResourceWords::complain(Host &host)
 {
-    host.output().error(QCoreApplication::translate("host", "see rivet --help"));
+    host.output().error(Text::tr("see rivet --help"));
     return ExitUsage;
 }
 
@@ -39,13 +41,10 @@ void ResourceWords::list(Host &host, const QSet<quint64> &defaults, const QSet<q
     host.loadResources();
     QList<QStringList> rows;
     for (const quint64 key : defaults)
-        rows << rowOf(host, key,
-                      ignored.contains(key) ? QStringLiteral("ignored")
-                                            : QStringLiteral("default"));
+        rows << rowOf(host, key, ignored.contains(key) ? Text::tr("ignored") : Text::tr("default"));
     for (const quint64 key : own)
-        rows << rowOf(host, key, QStringLiteral("own"));
+        rows << rowOf(host, key, Text::tr("own"));
     std::sort(rows.begin(), rows.end());
-    host.output().table({QStringLiteral("type"), QStringLiteral("id"), QStringLiteral("name"),
-                         QStringLiteral("origin")},
+    host.output().table({Text::tr("type"), Text::tr("id"), Text::tr("name"), Text::tr("origin")},
                         rows);
 }

@@ -1,6 +1,5 @@
 #include <algorithm>
 
-#include <QCoreApplication>
 #include <QFuture>
 #include <QThreadPool>
 #include <QtConcurrent>
@@ -14,6 +13,7 @@
 #include "host/Commands.h"
 #include "host/Host.h"
 #include "host/ResourceWords.h"
+#include "host/Text.h"
 
 namespace {
 
@@ -40,9 +40,9 @@ struct Ping
     }
     QString lagText() const
     {
-        static const char *const words[] = {"up to 150 ms", "up to 300 ms", "slow"};
-        return hasAnswered && lag() >= 1 && lag() <= 3 ? QLatin1String(words[lag() - 1])
-                                                       : QStringLiteral("no answer");
+        const QString words[] = {Text::tr("up to 150 ms"), Text::tr("up to 300 ms"),
+                                 Text::tr("slow")};
+        return hasAnswered && lag() >= 1 && lag() <= 3 ? words[lag() - 1] : Text::tr("no answer");
     }
 };
 
@@ -72,9 +72,8 @@ void show(Host &host, const QList<Ping> &pings)
     for (const Ping &ping : pings)
         rows << QStringList{ping.name, ping.host % QLatin1Char(':') % QString::number(ping.port),
                             ping.players(), ping.lagText()};
-    host.output().table({QStringLiteral("name"), QStringLiteral("address"),
-                         QStringLiteral("players"), QStringLiteral("lag")},
-                        rows);
+    host.output().table(
+        {Text::tr("name"), Text::tr("address"), Text::tr("players"), Text::tr("lag")}, rows);
 }
 
 using Change = void (OnlineMapResConfig::*)(const QString &, const QSet<quint64> &, bool);
@@ -111,7 +110,7 @@ int servers(Host &host, const QStringList &)
     for (const tagOnlineSrvInfo &server : request.getOnlineSrvInfoList())
         pings << Ping{server.name, server.addresses.first().host, server.addresses.first().port};
     if (!request.isUpdated() && pings.isEmpty())
-        host.output().error(QCoreApplication::translate("host", "the list can not be had"));
+        host.output().error(Text::tr("the list can not be had"));
     askAll(pings);
     show(host, pings);
     return request.isUpdated() || !pings.isEmpty() ? ExitGood : ExitFailed;

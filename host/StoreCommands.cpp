@@ -1,6 +1,6 @@
+#include <chrono>
 #include <optional>
 
-#include <QCoreApplication>
 #include <QDateTime>
 #include <QDeadlineTimer>
 
@@ -13,15 +13,14 @@
 #include "host/Commands.h"
 #include "host/Host.h"
 #include "host/ResourceWords.h"
-
-using Commands::text;
+#include "host/Text.h"
 
 namespace {
 
 /// Waits for what the core does not tell the failure of; its requests end after 15 s.
 void waitFor(const std::function<bool()> &isThere)
 {
-    const QDeadlineTimer patience(16'000);
+    const QDeadlineTimer patience(std::chrono::seconds(16));
     runUntil([&] { return isThere() || patience.hasExpired(); });
 }
 
@@ -45,8 +44,8 @@ bool fetchCatalogue(Host &host)
                                  [list] { list->UpdateList(); });
     if (!isNew)
         host.output().error(list->getStorePropList().isEmpty()
-                                ? text("the store can not be had")
-                                : text("the store can not be reached; this is how it was"));
+                                ? Text::tr("the store can not be had")
+                                : Text::tr("the store can not be reached; this is how it was"));
     return isNew;
 }
 
@@ -60,7 +59,7 @@ bool openStore(Host &host)
                      [&hasMoney] { hasMoney = true; });
     const Host::LoginOutcome login = host.logInRememberedUser();
     if (login == Host::LoginOutcome::Offline)
-        host.output().error(text("the service can not be reached"));
+        host.output().error(Text::tr("the service can not be reached"));
     if (login != Host::LoginOutcome::Online)
         return false;
     if (!fetchCatalogue(host))
@@ -70,13 +69,13 @@ bool openStore(Host &host)
                                     [props] { props->UpdateList(); });
     waitFor([&hasMoney] { return hasMoney; });
     if (!hasMoney || !hasProps)
-        host.output().error(text("the money and props of the user can not be had"));
+        host.output().error(Text::tr("the money and props of the user can not be had"));
     return hasMoney && hasProps;
 }
 
 QString yesOrNo(bool is)
 {
-    return is ? QStringLiteral("yes") : QStringLiteral("no");
+    return is ? Text::tr("yes") : Text::tr("no");
 }
 
 QString dateText(quint32 time)
@@ -89,11 +88,11 @@ void tellMoney(Host &host)
     auto *profile = RivetUserProfile::GetInstance();
     const quint32 money = profile->GetRivetUserInfo().money;
     const quint32 level = profile->GetRealVipLevel();
-    const QString line = level > 0 ? text("money %1, VIP level %2, %3 days left")
+    const QString line = level > 0 ? Text::tr("money %1, VIP level %2, %3 days left")
                                          .arg(money)
                                          .arg(level)
                                          .arg(profile->GetRivetUserInfo().vipDaysLeft)
-                                   : text("money %1, no VIP").arg(money);
+                                   : Text::tr("money %1, no VIP").arg(money);
     host.output().line(
         line, {{QStringLiteral("money"), double(money)},
                {QStringLiteral("vipLevel"), double(level)},
@@ -117,9 +116,8 @@ int listProps(Host &host, const QStringList &)
     }
     if (!isNew && rows.isEmpty())
         return ExitFailed;
-    host.output().table({QStringLiteral("id"), QStringLiteral("name"), QStringLiteral("form"),
-                         QStringLiteral("sold as"), QStringLiteral("price"),
-                         QStringLiteral("on sale"), QStringLiteral("description")},
+    host.output().table({Text::tr("id"), Text::tr("name"), Text::tr("form"), Text::tr("sold as"),
+                         Text::tr("price"), Text::tr("on sale"), Text::tr("description")},
                         rows);
     return ExitGood;
 }
@@ -134,9 +132,8 @@ int showOwnProps(Host &host, const QStringList &)
         rows << QStringList{QString::number(prop.id),    prop.name,
                             QString::number(prop.count), yesOrNo(prop.isUsing),
                             dateText(prop.endTime),      yesOrNo(prop.isExpire)};
-    host.output().table({QStringLiteral("id"), QStringLiteral("name"), QStringLiteral("count"),
-                         QStringLiteral("in use"), QStringLiteral("ends"),
-                         QStringLiteral("expired")},
+    host.output().table({Text::tr("id"), Text::tr("name"), Text::tr("count"), Text::tr("in use"),
+                         Text::tr("ends"), Text::tr("expired")},
                         rows);
     return ExitGood;
 }
@@ -146,7 +143,7 @@ void tellProp(Host &host, quint32 id)
 {
     const MyProp prop = MyPropListInfo::GetInstance()->GetMyPropById(id);
     const QString name = RivetStoreListInfo::GetInstance()->getStoreProp(id).name;
-    host.output().line(text("%1: you have %2, in use: %3")
+    host.output().line(Text::tr("%1: you have %2, in use: %3")
                            .arg(name, QString::number(prop.count), yesOrNo(prop.isUsing)),
                        {{QStringLiteral("id"), double(id)},
                         {QStringLiteral("name"), name},
@@ -163,7 +160,8 @@ std::optional<StoreNorm> chosenNorm(Host &host, const StoreProp &prop, const QSt
         if (isOnlyOne || form == QString::number(norm.type))
             return norm;
     }
-    host.output().error(text("the store does not sell that, or in several ways: see store list"));
+    host.output().error(
+        Text::tr("the store does not sell that, or in several ways: see store list"));
     return {};
 }
 
@@ -184,7 +182,7 @@ int buyProp(Host &host, const QStringList &arguments)
                         RivetStoreListInfo::GetInstance()->GetPrice(prop.id, type));
     });
     if (!isBought) {
-        host.output().error(text("the store does not sell %1 to you").arg(prop.name));
+        host.output().error(Text::tr("the store does not sell %1 to you").arg(prop.name));
         return ExitFailed;
     }
     tellMoney(host);
@@ -206,7 +204,7 @@ int useProp(Host &host, const QStringList &arguments)
     const bool isUsed =
         outcomeOf(request, &UsePropRequest::requestFinished, [&] { request.UseProp(id, isOn, 0); });
     if (!isUsed) {
-        host.output().error(text("the prop can not be used"));
+        host.output().error(Text::tr("the prop can not be used"));
         return ExitFailed;
     }
     tellProp(host, id);
@@ -267,13 +265,13 @@ int vip(Host &host, const QStringList &)
             rows << welfareRow(welfare);
     }
     if (!table->IsListUpdated())
-        host.output().error(rows.isEmpty() ? text("the list can not be had")
-                                           : text("the list can not be had; this is how it was"));
+        host.output().error(rows.isEmpty()
+                                ? Text::tr("the list can not be had")
+                                : Text::tr("the list can not be had; this is how it was"));
     if (rows.isEmpty() && !table->IsListUpdated())
         return ExitFailed;
-    host.output().table({QStringLiteral("level"), QStringLiteral("discount"),
-                         QStringLiteral("room"), QStringLiteral("price"),
-                         QStringLiteral("welfare")},
+    host.output().table({Text::tr("level"), Text::tr("discount"), Text::tr("room"),
+                         Text::tr("price"), Text::tr("welfare")},
                         rows);
     return ExitGood;
 }

@@ -3,11 +3,15 @@
 #include <cstdio>
 
 #include <QCoreApplication>
+#include <QLocale>
 #include <QSettings>
+#include <QTranslator>
 
 #include "host/Commands.h"
 #include "host/Host.h"
 #include "host/Interrupts.h"
+#include "host/Output.h"
+#include "host/Text.h"
 #include "platform/Terminal.h"
 #include "support/coresupport/ServiceUrls.h"
 
@@ -15,25 +19,30 @@ namespace {
 
 void printUsage()
 {
-    std::puts("rivet - a launcher for Minecraft on the command line\n\n"
-              "usage: rivet [--json] [--service URL] [--verbose] COMMAND [ARGUMENT...]\n");
+    const auto print = [](const QString &text) { std::fputs(qUtf8Printable(text), stdout); };
+    print(Text::tr("rivet - a launcher for Minecraft on the command line\n\n"
+                   "usage: rivet [OPTION...] COMMAND [ARGUMENT...]\n\n"));
     for (const Command *command = Commands::all(); command->name; ++command) {
-        std::printf("  %s %s\n      %s\n", command->name, command->arguments, command->summary);
+        print(QStringLiteral("  %1 %2\n      %3\n")
+                  .arg(QLatin1String(command->name), QLatin1String(command->arguments),
+                       Text::tr(command->summary)));
     }
-    std::puts(
+    print(Text::tr(
         "\n"
-        "  --json         one JSON object a line in the place of text\n"
-        "  --service URL  the web service; the variable RIVET_SERVICE_URL goes before it\n"
-        "  --verbose      the log of the core on the standard error output\n"
-        "  --help         this text\n\n"
+        "  --json           one JSON object a line in the place of text, in English\n"
+        "  --service URL    the web service; the variable RIVET_SERVICE_URL goes before it\n"
+        "  --language NAME  such as zh_CN or en, in the place of the system's language\n"
+        "  --verbose        the log of the core on the standard error output\n"
+        "  --help           this text\n\n"
         "INSTANCE is the number or the name of an instance. TYPE is 1 mod, 2 save, 3 resource\n"
-        "pack, 7 other, 8 shader pack.\n\n"
+        "pack, 7 other, 8 shader pack.\n\n"));
+    print(Text::tr(
         "exit code: 0 done; 1 failed; 2 wrong usage; 130 cancelled. A launch that fails, and\n"
         "a game that does, give 10 and the number of the error: 10 unknown, 12 no list of\n"
         "resources, 13 download failed, 14 download stopped, 15 deployment failed, 16 the\n"
         "game did not start, 17 it crashed, 18 or 19 other trouble with its process, 23 its\n"
         "mods were changed while it ran, 24 log in again.\n\n"
-        "Ctrl-C aborts what runs, or ends the game, in good order; a second one at once.");
+        "Ctrl-C aborts what runs, or ends the game, in good order; a second one at once.\n"));
 }
 
 /// The log of the core is for developers.
@@ -63,30 +72,39 @@ void setUp()
     platform::Terminal::prepare();
 }
 
-int runCommand(QStringList arguments)
+/// Speaks the language that the user names, else the system's; English where there is no
+/// translation.
+void chooseLanguage(const QString &name)
 {
-    const bool isJson = takeFlag(arguments, "--json");
-    Output output(isJson ? Output::Form::Json : Output::Form::Text);
+    static QTranslator translator;
+    const QLocale language = name.isEmpty() ? QLocale() : QLocale(name);
+    if (translator.load(language, QStringLiteral("rivet"), QStringLiteral("_"),
+                        QStringLiteral(":/rivet/translations")))
+        QCoreApplication::installTranslator(&translator);
+}
+
+int runCommand(QStringList arguments, Output::Form form)
+{
+    Output output(form);
     if (!takeFlag(arguments, "--verbose"))
         qInstallMessageHandler(&dropLog);
     const QString service = takeValue(arguments, "--service");
     if (!service.isEmpty() && !ServiceUrls::setBaseAddress(service)) {
-        output.error(
-            QCoreApplication::translate("host", "no address of a service: %1").arg(service));
+        output.error(Text::tr("no address of a service: %1").arg(service));
         return ExitUsage;
     }
     takeFlag(arguments, "--password-stdin"); // the commands look for it themselves
     const Command *command = arguments.isEmpty() ? nullptr : Commands::byName(arguments[0]);
     const int count = arguments.size() - 1;
     if (!command || count < command->fewestArguments || count > command->mostArguments) {
-        output.error(QCoreApplication::translate("host", "see rivet --help"));
+        output.error(Text::tr("see rivet --help"));
         return ExitUsage;
     }
     try {
         Host host(output);
         return command->run(host, arguments.mid(1));
     } catch (const Interrupts::Cancelled &) {
-        output.error(QCoreApplication::translate("host", "cancelled"));
+        output.error(Text::tr("cancelled"));
         return ExitCancelled;
     }
 }
@@ -98,9 +116,14 @@ int main(int argc, char **argv)
     QCoreApplication application(argc, argv);
     setUp();
     QStringList arguments = QCoreApplication::arguments().mid(1);
+    const bool isJson = takeFlag(arguments, "--json");
+    const QString language = takeValue(arguments, "--language");
+    // What programs read does not change with the user's language.
+    if (!isJson)
+        chooseLanguage(language);
     if (arguments.isEmpty() || takeFlag(arguments, "--help")) {
         printUsage();
-        return arguments.isEmpty() && argc < 2 ? ExitUsage : ExitGood;
+        return argc < 2 ? ExitUsage : ExitGood;
     }
-    return runCommand(arguments);
+    return runCommand(arguments, isJson ? Output::Form::Json : Output::Form::Text);
 }

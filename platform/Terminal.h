@@ -12,8 +12,13 @@ namespace platform::Terminal {
 /// True if what goes to the standard output is read by somebody at a terminal.
 RIVETPLATFORM_EXPORT bool isInteractive();
 
-/// Makes the terminal take UTF-8; once, at start.
+/// Makes the terminal take UTF-8 until the end of the program; once, at start.
 RIVETPLATFORM_EXPORT void prepare();
+
+/// From now on @p handler is called whenever the program is asked to end: by Ctrl-C, by another
+/// program, or because its terminal goes, which on Windows leaves some seconds. It runs in a signal
+/// handler, or on a thread of the system's. May be called again.
+RIVETPLATFORM_EXPORT void watchEnd(void (*handler)());
 
 /// Characters in a line; 80 where that can't be told.
 RIVETPLATFORM_EXPORT int columns();

@@ -11,6 +11,7 @@
 
 #include "platform/FixedDrives.h"
 #include "support/coresupport/CCommonFunction.h"
+#include "support/jsonfskit/FS.h"
 
 namespace {
 
@@ -79,7 +80,7 @@ bool MCSettings::validateGamePath(const QString &path)
     if (path.isEmpty())
         return false;
     const QDir appDir(QCoreApplication::applicationDirPath());
-    return QFileInfo(appDir, path).isDir() || appDir.mkpath(path);
+    return FS::makeFolder(appDir.absoluteFilePath(path));
 }
 
 QString MCSettings::autoSelectNewGamePath()
@@ -100,7 +101,7 @@ QString MCSettings::autoSelectNewGamePath()
 
 bool MCSettings::DirLegitimacyVerify(const QString &path)
 {
-    if (path.isEmpty() || !QDir().mkpath(path))
+    if (path.isEmpty() || !FS::makeFolder(path))
         return false;
     // The backslash of Windows, whatever stands in the path. Elsewhere a backslash would be part of
     // the file's name and the folder above would be tried instead.

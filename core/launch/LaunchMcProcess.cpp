@@ -12,6 +12,7 @@
 #include "core/launch/WaitMcClientInitialized.h"
 #include "platform/OtherProcesses.h"
 #include "platform/ProcessArguments.h"
+#include "support/jsonfskit/FS.h"
 #include "support/jsonfskit/Log.h"
 
 static QString unknownKey(LaunchMcProcess::ArgsKey key)
@@ -276,7 +277,7 @@ void LaunchMcProcess::gameConfigInit()
 {
     const QString instanceDir = getArgsValue(ArgInstanceDir);
     const QString resourcePack = getDefaultResourcePack();
-    if (!QDir().mkpath(instanceDir))
+    if (!FS::makeFolder(instanceDir))
         Log::warning(QLatin1String("instance directory could not be made: ") + instanceDir);
     if (!GameOptions::updateOptions(instanceDir + QLatin1String("/options.txt"), resourcePack))
         return;

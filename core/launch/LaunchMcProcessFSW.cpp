@@ -11,6 +11,7 @@
 
 #include "core/foundation/FSH.h"
 #include "platform/FileStamp.h"
+#include "support/jsonfskit/FS.h"
 #include "support/jsonfskit/Log.h"
 
 static bool hasWatchedSuffix(const QString &path)
@@ -68,7 +69,7 @@ bool LaunchMcProcessFSW::addPathToWatcher(const QString &path)
         qWarning("file watcher is not create");
         return false;
     }
-    if (!QDir(path).exists() && !QDir().mkpath(path))
+    if (!FS::makeFolder(path))
         Log::warning(path + QLatin1String("not exist and try to make path failed"));
     if (!QDir(path).exists())
         return true;

@@ -3,6 +3,7 @@
 #include <QDir>
 
 #include "core/foundation/FSH.h"
+#include "support/jsonfskit/FS.h"
 
 ResDownload::ResDownload(uint id, ResType type, const QUrl &url, QObject *parent)
     : FileDownload(parent), m_id(id), m_type(type)
@@ -10,7 +11,7 @@ ResDownload::ResDownload(uint id, ResType type, const QUrl &url, QObject *parent
     m_url = url;
     m_directory = FSH::resourceDownloadDir(m_type);
     // Tried again by the transfer, which tells a failure.
-    QDir().mkpath(m_directory);
+    static_cast<void>(FS::makeFolder(m_directory));
     m_filePath = m_directory % QDir::separator() % QString::number(m_id);
 }
 

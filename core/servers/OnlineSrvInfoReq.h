@@ -15,6 +15,7 @@
 
 class HttpRequestTask;
 
+/// One address under which a server can be reached.
 struct tagOnlineSrvAddr
 {
     QString host;

@@ -27,7 +27,7 @@ struct StoreNorm
 /// A prop that the store sells.
 struct StoreProp
 {
-    /// What @ref toolType can say. Others are sold, too; nothing in the core acts on them.
+    /// What #toolType can say. Others are sold, too; nothing in the core acts on them.
     enum ToolType {
         Switched = 1,        ///< is switched on and off, and has an end time
         Consumable = 2,      ///< goes down by one with each use

@@ -1,5 +1,6 @@
 #include "platform/Terminal.h"
 
+#include <atomic>
 #include <csignal>
 #include <cstdio>
 #include <iostream>
@@ -13,7 +14,14 @@ namespace platform::Terminal {
 
 namespace {
 
+std::atomic<void (*)()> endHandler{nullptr};
 volatile std::sig_atomic_t endedBy = 0;
+
+extern "C" void onEnd(int)
+{
+    if (const auto handler = endHandler.load())
+        handler();
+}
 
 extern "C" void onEndAsked(int signal)
 {
@@ -54,6 +62,13 @@ bool isInteractive()
 }
 
 void prepare() {}
+
+void watchEnd(void (*handler)())
+{
+    endHandler = handler;
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+        std::signal(signal, &onEnd);
+}
 
 int columns()
 {

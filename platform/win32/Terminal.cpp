@@ -1,6 +1,8 @@
 #include "platform/Terminal.h"
 
+#include <atomic>
 #include <cstdio>
+#include <cstdlib>
 
 #include <windows.h>
 
@@ -8,9 +10,21 @@ namespace platform::Terminal {
 
 namespace {
 
+std::atomic<void (*)()> endHandler{nullptr};
+UINT formerCodePage = 0;
+
 HANDLE output()
 {
     return GetStdHandle(STD_OUTPUT_HANDLE);
+}
+
+/// Where the console goes, the system ends the program when this returns, or after some seconds.
+BOOL WINAPI onEnd(DWORD event)
+{
+    endHandler.load()();
+    if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT)
+        Sleep(INFINITE);
+    return TRUE;
 }
 
 } // namespace
@@ -23,11 +37,19 @@ bool isInteractive()
 
 void prepare()
 {
-    SetConsoleOutputCP(CP_UTF8);
+    formerCodePage = GetConsoleOutputCP();
+    if (SetConsoleOutputCP(CP_UTF8))
+        std::atexit([] { SetConsoleOutputCP(formerCodePage); });
     DWORD mode = 0;
     // 4: sequences that move the cursor, which Windows knows since version 10.
     if (GetConsoleMode(output(), &mode))
         SetConsoleMode(output(), mode | 4);
+}
+
+void watchEnd(void (*handler)())
+{
+    if (!endHandler.exchange(handler))
+        SetConsoleCtrlHandler(&onEnd, TRUE);
 }
 
 int columns()

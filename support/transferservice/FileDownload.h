@@ -14,11 +14,12 @@ class FileTransfer;
 /// When a transfer counts as stalled, and how it is tried again.
 struct TransferTiming
 {
-    std::chrono::milliseconds stall{30'000};   ///< without a byte for so long is a fault
+    std::chrono::milliseconds stall =
+        std::chrono::seconds(30);              ///< without a byte for so long is a fault
     std::chrono::milliseconds firstPause{500}; ///< before the next try; doubled each time
-    std::chrono::milliseconds longestPause{16'000};
+    std::chrono::milliseconds longestPause = std::chrono::seconds(16);
     /// A server that sends us away for longer than this fails the transfer.
-    std::chrono::milliseconds longestRetryAfter{120'000};
+    std::chrono::milliseconds longestRetryAfter = std::chrono::minutes(2);
     int fruitlessTries = 5; ///< so many tries in a row without a new byte fail
 };
 

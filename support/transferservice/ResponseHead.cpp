@@ -66,10 +66,11 @@ void readContentRange(const QByteArray &value, ResponseHead &head)
 
 std::optional<std::chrono::milliseconds> parseRetryAfter(const QByteArray &value)
 {
+    constexpr qlonglong oneDaySeconds = 24 * 60 * 60;
     bool isNumber = false;
     const qlonglong seconds = value.trimmed().toLongLong(&isNumber);
     if (isNumber)
-        return std::chrono::seconds(qBound(0LL, seconds, 86'400LL));
+        return std::chrono::seconds(qBound(0LL, seconds, oneDaySeconds));
     const QDateTime date = parseHttpDate(value.trimmed());
     if (!date.isValid())
         return std::nullopt;

@@ -102,6 +102,17 @@ private Q_SLOTS:
         QVERIFY(run("version").output.startsWith("rivet 0."));
     }
 
+    void languages()
+    {
+        const QString refusal = run("--language zh_CN dance").output;
+        QVERIFY2(refusal.contains(u8"请参阅 rivet --help"), refusal.toUtf8());
+        QVERIFY(run("--language xx dance").output.contains("see rivet --help"));
+        // Programs read the same in each language.
+        QVERIFY(run("--json --language zh_CN settings").output.contains(R"("key":"DataPath")"));
+        // Each character takes two columns.
+        QVERIFY(run("--language zh_CN settings").output.startsWith(u8"键                  值"));
+    }
+
 private:
     void offer(const QString &path, const Items &items)
     {
