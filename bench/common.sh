@@ -1,54 +1,75 @@
-# Shared by the benchmarks in this folder: times contenders side by side and prints a table.
-# A benchmark declares contenders, each a command line with an optional preparation that is not
-# timed, then calls run_contest.
+# Shared by the benchmarks in this folder; scripts/bench sources it, then the benchmark, whose name is
+# $benchmark, and makes the table from the lines that are recorded in the file $results.
+#
+# To add a benchmark, write bench/NAME.bench. It opens with a comment that says what its rows mean,
+# which docs/performance.md repeats, and finds these set: bin (folder of the programs), work (a folder
+# of its own, gone at the end), rounds. It gets its rows by
+# - run_contest, which times whole command lines beside each other and notes their peak memory, or
+# - measure, which runs a command that prints its own figures: a program with bench/Result.h, or a
+#   function with print_result. Lines of the same title and the same rival make one row, with the
+#   medians.
+# An aim reads "< 20 ms" or "<= 20 ms", in the unit of the figure, or "ratio <= 1.5".
+# A program of ours goes into bench/CMakeLists.txt, a package that is needed into need_packages.
 
 rounds=${RIVET_BENCH_ROUNDS:-5}
 work=$(mktemp -d "${TMPDIR:-/tmp}/rivet-bench.XXXXXX")
 trap 'rm -rf "$work"' EXIT
 
 contenders=()
-declare -A command_of prepare_of
+declare -A command_of prepare_of seconds_of peak_of
 
-# contender <name> <preparation, may be empty> <command>
+# print_result <what> <unit> <figure> [aim [rival figure [peak MiB] [peak MiB of the rival]]]
+print_result() {
+    printf 'result'
+    printf '\t%s' "$@"
+    echo
+}
+
+# collect <title>: records the result lines among its input; there has to be one.
+collect() {
+    awk -F'\t' -v OFS='\t' -v title="$benchmark: $1" '
+        $1 == "result" { $2 = title ($2 == "" ? "" : ", " $2); sub(/^result\t/, ""); print; n++ }
+        END { exit n == 0 }' >>"$results"
+}
+
+# measure <title> <command...>: once per round.
+measure() {
+    local title=$1 round
+    shift
+    echo "bench: $benchmark: $title" >&2
+    for ((round = 0; round < rounds; round++)); do "$@" | collect "$title"; done
+}
+
+# contender <name> <preparation that is not timed, may be empty> <command>: ours first.
 contender() {
     contenders+=("$1")
     prepare_of[$1]=$2
     command_of[$1]=$3
 }
 
-# One timed run: seconds and peak kilobytes go to the contender's file.
-time_once() {
-    local name=$1 begin end
-    [ -z "${prepare_of[$name]}" ] || eval "${prepare_of[$name]}"
+time_once() { # name
+    local begin
+    [ -z "${prepare_of[$1]}" ] || eval "${prepare_of[$1]}"
     begin=$EPOCHREALTIME
-    /usr/bin/time --quiet --format=%M --output="$work/peak" bash -c "exec ${command_of[$name]}" \
-        >"$work/out" 2>&1 || { echo "$name failed:" >&2; cat "$work/out" >&2; return 1; }
-    end=$EPOCHREALTIME
-    awk -v b="$begin" -v e="$end" -v p="$(cat "$work/peak")" 'BEGIN { print e - b, p }' \
-        >>"$work/times.${name//[^A-Za-z0-9]/_}"
+    /usr/bin/time --quiet --format=%M --output="$work/peak" bash -c "exec ${command_of[$1]}" \
+        >"$work/out" 2>&1 || { echo "$1 failed:" >&2; cat "$work/out" >&2; return 1; }
+    seconds_of[$1]=$(awk -v b="$begin" -v e="$EPOCHREALTIME" 'BEGIN { print e - b }')
+    peak_of[$1]=$(awk '{ print $1 / 1024 }' "$work/peak")
 }
 
-median() {
-    sort -n | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }'
+# Every contender once, so that all see the same machine.
+contest_round() { # aim
+    local name ours=${contenders[0]}
+    for name in "${contenders[@]}"; do time_once "$name"; done
+    for name in "${contenders[@]:1}"; do
+        print_result "" s "${seconds_of[$ours]}" "$1" "$name" "${seconds_of[$name]}" \
+            "${peak_of[$ours]}" "${peak_of[$name]}"
+    done
 }
 
-# run_contest <title>: every contender once per round, so that all see the same machine; then the
-# medians, each with its ratio to the others' times and its greatest peak memory.
+# run_contest <title> [aim]: the first contender beside each of the others.
 run_contest() {
-    local round name file ours
-    for ((round = 0; round < rounds; round++)); do
-        for name in "${contenders[@]}"; do time_once "$name"; done
-    done
-    printf '\n%s (median of %d)\n' "$1" "$rounds"
-    printf '  %-28s %10s %12s %14s\n' "" seconds "peak MiB" "rivet/this"
-    for name in "${contenders[@]}"; do
-        file="$work/times.${name//[^A-Za-z0-9]/_}"
-        ours="$work/times.${contenders[0]//[^A-Za-z0-9]/_}"
-        printf '  %-28s %10.3f %12.1f %14.2f\n' "$name" "$(cut -d' ' -f1 "$file" | median)" \
-            "$(cut -d' ' -f2 "$file" | sort -n | awk 'END { print $1 / 1024 }')" \
-            "$(awk -v a="$(cut -d' ' -f1 "$ours" | median)" \
-                   -v b="$(cut -d' ' -f1 "$file" | median)" 'BEGIN { print a / b }')"
-    done
+    measure "$1" contest_round "${2:-}"
     contenders=()
 }
 
@@ -61,7 +82,7 @@ need_packages() {
     done
     [ ${#missing[@]} -gt 0 ] || return 0
     [ "$(id -u)" -eq 0 ] || as_root=(sudo)
-    echo "bench: installing ${missing[*]}"
+    echo "bench: installing ${missing[*]}" >&2
     # The name of this file is what dpkg's service helper asks; an existing answer stays.
     policy=/usr/sbin/policy-rc.d
     if [ -e "$policy" ]; then

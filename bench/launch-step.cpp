@@ -1,4 +1,3 @@
-#include <cstdio>
 #include <cstdlib>
 
 #include <QCoreApplication>
@@ -7,6 +6,7 @@
 
 #include "base/RivetCoreAtExitManagerUtil.h"
 #include "bench/LoopPulse.h"
+#include "bench/Result.h"
 #include "core/config/GameResConfig.h"
 #include "core/deploy/DeployResRecorder.h"
 #include "core/foundation/Environment.h"
@@ -38,25 +38,17 @@ int main(int argc, char **argv)
 
     ResManager resources;
     ReadyForOtherRes step(info, instance, &resources, nullptr);
-    int signalCount = 0;
     QElapsedTimer total;
-    qint64 downloadedMs = 0;
     QObject::connect(&step, &TaskAbstract::finished, &app, &QCoreApplication::quit);
-    QObject::connect(&step, &TaskAbstract::status, [&] { ++signalCount; });
-    QObject::connect(&step, &TaskAbstract::progress, [&](quint64 percent) {
-        if (percent >= 85 && downloadedMs == 0)
-            downloadedMs = total.elapsed();
-    });
     LoopPulse pulse;
     pulse.start();
     total.start();
     QMetaObject::invokeMethod(
         &step, [&] { step.start(); }, Qt::QueuedConnection);
     QCoreApplication::exec();
-    const double ms = double(total.elapsed());
-    std::printf("%5d mods: %6.0f ms, %.2f ms each (%.2f to download); longest turn %.0f ms; "
-                "%d status texts\n",
-                mods, ms, ms / mods, double(downloadedMs) / mods, pulse.longestTurnMs(),
-                signalCount);
+    const double ms = double(total.nsecsElapsed()) / 1e6;
+    printResult(QStringLiteral("%1 resources, each").arg(mods), ms / mods, "ms");
+    printResult(QStringLiteral("%1 resources, longest turn of the event loop").arg(mods),
+                pulse.longestTurnMs(), "ms", "<= 100 ms");
     return step.successful() ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -1,4 +1,3 @@
-#include <cstdio>
 #include <cstdlib>
 
 #include <QCoreApplication>
@@ -7,6 +6,7 @@
 #include <QTemporaryDir>
 
 #include "bench/LoopPulse.h"
+#include "bench/Result.h"
 #include "core/resources/LocalResLoadTask.h"
 #include "support/jsonfskit/FS.h"
 
@@ -33,7 +33,9 @@ int main(int argc, char **argv)
     total.start();
     task.start();
     QCoreApplication::exec();
-    std::printf("%d of %d files found in %lld ms, longest turn of the event loop %.1f ms\n", found,
-                files, total.elapsed(), pulse.longestTurnMs());
+    printResult(QStringLiteral("finding them"), double(total.nsecsElapsed()) / 1e6, "ms",
+                "< 1500 ms");
+    printResult(QStringLiteral("longest turn of the event loop"), pulse.longestTurnMs(), "ms",
+                "<= 20 ms");
     return found == files ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -7,6 +7,7 @@
 #include <QTemporaryDir>
 
 #include "base/RivetCoreAtExitManagerUtil.h"
+#include "bench/Result.h"
 #include "core/foundation/FSH.h"
 #include "core/servers/MaskWordHelper.h"
 #include "support/jsonfskit/FS.h"
@@ -53,9 +54,11 @@ bool run(const char *name, const QStringList &words, const QString &text)
     const double maskMs = double(timer.nsecsElapsed()) / 1e6;
     timer.start();
     const bool isRight = masked == maskedInTurn(text, words);
-    std::printf("%-28s load %6.1f ms, mask %6.2f ms, word by word %7.2f ms, %4d masked%s\n", name,
-                loadMs, maskMs, double(timer.nsecsElapsed()) / 1e6, masked.count(QLatin1Char('*')),
-                isRight ? "" : ", WRONG");
+    const Rival inTurn{"word by word", double(timer.nsecsElapsed()) / 1e6};
+    printResult(QLatin1String(name), maskMs, "ms", "< 20 ms", inTurn);
+    printResult(QStringLiteral("reading the list"), loadMs, "ms");
+    if (!isRight)
+        std::fprintf(stderr, "%s: not as word by word\n", name);
     return isRight;
 }
 

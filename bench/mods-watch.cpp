@@ -1,4 +1,3 @@
-#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 
@@ -6,6 +5,7 @@
 #include <QElapsedTimer>
 #include <QTemporaryDir>
 
+#include "bench/Result.h"
 #include "core/launch/LaunchMcProcessFSW.h"
 #include "support/jsonfskit/FS.h"
 
@@ -28,9 +28,11 @@ int main(int argc, char **argv)
     std::clock_t begin = 0;
     // The launch is being prepared as soon as the watch stands; without arguments it ends there.
     QObject::connect(&game, &LaunchMcProcess::processStateChange, &game, [&](int state) {
-        if (state == LaunchMcProcess::StatePreparing)
-            std::printf("watch over %d mods set up in %lld ms, %.0f ms of processor time\n", mods,
-                        timer.elapsed(), 1000.0 * (std::clock() - begin) / CLOCKS_PER_SEC);
+        if (state != LaunchMcProcess::StatePreparing)
+            return;
+        printResult(QStringLiteral("set up"), double(timer.nsecsElapsed()) / 1e6, "ms", "< 300 ms");
+        printResult(QStringLiteral("processor time"),
+                    1000.0 * double(std::clock() - begin) / CLOCKS_PER_SEC, "ms");
     });
     begin = std::clock();
     timer.start();

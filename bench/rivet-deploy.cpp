@@ -4,6 +4,7 @@
 #include <QElapsedTimer>
 #include <QThreadPool>
 
+#include "bench/Result.h"
 #include "core/deploy/DepHistoryFlatFile.h"
 #include "core/deploy/DeployTaskWithUnzipMd5.h"
 #include "support/jsonfskit/FS.h"
@@ -27,10 +28,9 @@ public:
         timer.start();
         save();
         saveNs = timer.nsecsElapsed();
-        savesNs += saveNs;
     }
     bool isAlone = false;
-    qint64 saveNs = 0, savesNs = 0;
+    qint64 saveNs = 0;
 };
 
 std::unique_ptr<DeployTask> makeTask(const QStringList &arguments, int index,
@@ -79,7 +79,6 @@ int deployTimed(const QStringList &arguments)
 {
     TimedHistory history;
     history.init(arguments.at(0));
-    const int resources = arguments.size() - 2;
     double lastSavesMs = 0, bytesMs = 0;
     QElapsedTimer timer;
     timer.start();
@@ -98,12 +97,10 @@ int deployTimed(const QStringList &arguments)
         bytesMs += writeBytesAgain(arguments.at(0));
         aside += timer.nsecsElapsed() - begin;
     }
-    const double all = double(timer.nsecsElapsed() - aside) / 1e6,
-                 saves = double(history.savesNs) / 1e6;
-    std::printf("%5d resources: %7.2f ms each, of which the save %6.2f (%2.0f %%); "
-                "a save alone, at the end %6.2f, writing its bytes %6.2f\n",
-                resources, all / resources, saves / resources, 100 * saves / all, lastSavesMs / 10,
-                bytesMs / 10);
+    const double all = double(timer.nsecsElapsed() - aside) / 1e6;
+    printResult(QStringLiteral("each"), all / (arguments.size() - 2), "ms");
+    printResult(QStringLiteral("a save at the end"), lastSavesMs / 10, "ms", "",
+                {"its bytes", bytesMs / 10});
     return 0;
 }
 
