@@ -279,6 +279,62 @@
     </message>
 </context>
 <context>
+    <name>RepairDnsTask</name>
+    <message>
+        <source>Start repair dns</source>
+        <translation>开始修复 DNS</translation>
+    </message>
+    <message>
+        <source>repair dns to </source>
+        <translation>正在将 DNS 修复为 </translation>
+    </message>
+</context>
+<context>
+    <name>RepairFileDeployTask</name>
+    <message>
+        <source>repair game files configured</source>
+        <translation>修复游戏文件配置</translation>
+    </message>
+    <message>
+        <source>repair game files configured...</source>
+        <translation>正在修复游戏文件配置…</translation>
+    </message>
+    <message>
+        <source>To repair the game files configured failure</source>
+        <translation>修复游戏文件配置失败</translation>
+    </message>
+</context>
+<context>
+    <name>RepairJavaEnvTask</name>
+    <message>
+        <source>Start repair java evn configured</source>
+        <translation>开始修复 Java 环境配置</translation>
+    </message>
+    <message>
+        <source>repair java evn configured...</source>
+        <translation>正在修复 Java 环境配置…</translation>
+    </message>
+    <message>
+        <source>repair java env configured failed</source>
+        <translation>修复 Java 环境配置失败</translation>
+    </message>
+    <message>
+        <source>Java evn repair Failed, check is there some related process is running?</source>
+        <translation>Java 环境修复失败，请检查是否有相关进程正在运行？</translation>
+    </message>
+</context>
+<context>
+    <name>RepairOptimizeSysMemoryTask</name>
+    <message>
+        <source>Start optimize system memory</source>
+        <translation>开始优化系统内存</translation>
+    </message>
+    <message>
+        <source>optimize system memory...</source>
+        <translation>正在优化系统内存…</translation>
+    </message>
+</context>
+<context>
     <name>ResObj</name>
     <message>
         <source>deploy out folder prefix is empty.</source>
