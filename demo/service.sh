@@ -1,5 +1,5 @@
-# Sourced by scripts/demo and others: the local service, which plays the launcher's web services, its download
-# server and a game server.
+# Sourced by scripts/demo and others: the local service, which plays the launcher's web services, its
+# download server and a game server.
 
 service_process=
 service_port=0
