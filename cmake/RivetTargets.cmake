@@ -1,7 +1,6 @@
 # How every target of the tree is built: language level, warnings, export rules, installation.
 
 include(GenerateExportHeader)
-include(CMakePackageConfigHelpers)
 
 set(CMAKE_CXX_STANDARD 17)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -14,6 +13,8 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 set(RIVET_GENERATED_DIR "${CMAKE_BINARY_DIR}/generated")
+# What says nothing else is for those who build on the core. See RivetPackages for the others.
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME developer)
 
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM)
@@ -57,6 +58,8 @@ function(rivet_add_library target)
         VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
         INSTALL_RPATH "$ORIGIN")
 
+    target_compile_features(${target} PUBLIC cxx_std_17)
+
     set(export_header "${RIVET_GENERATED_DIR}/${ARG_FOLDER}/${target}Export.h")
     generate_export_header(${target} EXPORT_FILE_NAME "${export_header}")
     target_include_directories(${target} PUBLIC
@@ -70,8 +73,9 @@ function(rivet_add_library target)
     set_property(GLOBAL APPEND PROPERTY RIVET_CHECKED_HEADERS ${headers})
     set_property(GLOBAL APPEND PROPERTY RIVET_LIBRARIES ${target})
     install(TARGETS ${target} EXPORT RivetCoreTargets
-            RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
-            LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+            RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT library
+            LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library
+                    NAMELINK_COMPONENT developer
             ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
     if(headers)
         rivet_install_header("${export_header}" "${RIVET_GENERATED_DIR}")
@@ -79,6 +83,18 @@ function(rivet_add_library target)
     foreach(header IN LISTS headers)
         rivet_install_header("${header}" "${PROJECT_SOURCE_DIR}")
     endforeach()
+endfunction()
+
+# rivet_install_program(<target> <component> [<folder>]): in bin/ without a folder. It finds the
+# libraries by their place relative to its own, so the installed tree can be moved.
+function(rivet_install_program target component)
+    set(folder "${CMAKE_INSTALL_BINDIR}")
+    if(ARGC GREATER 2)
+        set(folder "${ARGV2}")
+    endif()
+    file(RELATIVE_PATH libraries "/${folder}" "/${CMAKE_INSTALL_LIBDIR}")
+    set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
+    install(TARGETS ${target} RUNTIME DESTINATION "${folder}" COMPONENT ${component})
 endfunction()
 
 # Installs one header under the folder that it has below <root>.
@@ -104,18 +120,4 @@ function(rivet_add_header_check)
     set_target_properties(header-check PROPERTIES AUTOMOC OFF)
     target_link_libraries(header-check PRIVATE ${libraries})
     rivet_set_up_target(header-check)
-endfunction()
-
-# Installs the CMake package, so that another project gets on with find_package(RivetCore).
-function(rivet_install_package)
-    set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/RivetCore")
-    configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/RivetCoreConfig.cmake.in"
-        "${CMAKE_BINARY_DIR}/RivetCoreConfig.cmake" INSTALL_DESTINATION "${package_dir}")
-    write_basic_package_version_file("${CMAKE_BINARY_DIR}/RivetCoreConfigVersion.cmake"
-        COMPATIBILITY SameMinorVersion)
-    install(FILES "${CMAKE_BINARY_DIR}/RivetCoreConfig.cmake"
-                  "${CMAKE_BINARY_DIR}/RivetCoreConfigVersion.cmake"
-            DESTINATION "${package_dir}")
-    install(EXPORT RivetCoreTargets NAMESPACE Rivet:: DESTINATION "${package_dir}"
-            FILE RivetCoreTargets.cmake)
 endfunction()

@@ -1,13 +1,18 @@
-# Sourced by scripts/demo: the local service, which plays the launcher's web services, its download
-# server and a game server.
+# Sourced by scripts/demo and others: the local service, which plays the launcher's web services, its
+# download server and a game server.
 
 service_process=
 service_port=0
 
+# In a process of its own. A script may say it anew.
+run_service() {
+    exec "$bin/rivet-service" "$@"
+}
+
 # Under the port of the first start, for an address is part of what the launcher knows of a file.
 start_service() {
     rm -f "$work/service.log" # of the start before, which tells the same
-    "$bin/rivet-service" --port "$service_port" --state "$work/state" "$world" \
+    run_service --port "$service_port" --state "$work/state" "$world" \
         >"$work/service.log" 2>&1 &
     service_process=$!
     wait_until 10 grep -q '^game status on ' "$work/service.log" || {

@@ -1,4 +1,4 @@
-# Sourced by scripts/demo: headings, checks, waiting, and the table at the end.
+# Sourced by scripts/demo and others: headings, checks, waiting, and the table at the end.
 
 rows=()
 

@@ -1,4 +1,4 @@
-# Sourced by scripts/demo: makes the folder that the service serves, with all archives.
+# Sourced by scripts/demo and others: makes the folder that the service serves, with all archives.
 
 make_world() {
     cp -R demo/data "$world"
