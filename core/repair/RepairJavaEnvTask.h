@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QFutureWatcher>
+#include <QString>
+
+#include "base/RivetCoreExport.h"
+#include "support/coresupport/TaskAbstract.h"
+
+/// A repair step that puts the settings "JavaPath" and "JavaParam" back, so that Java is deployed
+/// anew, and removes the deployed Java unless "JavaPath" names a javaw.exe that is there.
+///
+/// Main thread only. The removal runs on the global thread pool and goes on to its end if the task
+/// is deleted before. Fails if a running process holds the deployed Java, of which nothing is
+/// removed then, or if it can't be removed as a whole; the settings are put back all the same.
+/// Otherwise succeeds after a short wait.
+class RIVETCORE_EXPORT RepairJavaEnvTask : public TaskAbstract
+{
+    Q_OBJECT
+public:
+    explicit RepairJavaEnvTask(QObject *parent = nullptr);
+    ~RepairJavaEnvTask() override;
+
+protected:
+    void onTaskRun() override;
+
+private:
+    /// The directory of the deployed Java; empty if there is none or it has to stay.
+    static QString folderToRemove();
+    /// False if somebody holds what is in @p folder. Blocks; any thread.
+    static bool removeDeployedJava(const QString &folder);
+    static bool isJavaFileOccupied();
+
+    void endRun();
+    /// Puts the settings back once the deployed Java has been seen to; false if it is held.
+    bool repairJavaEnv();
+
+    QFutureWatcher<bool> m_removal; ///< of removeDeployedJava()
+    bool m_isHeld = false;
+};
