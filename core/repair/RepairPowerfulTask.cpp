@@ -161,8 +161,11 @@ bool RepairPowerfulTask::repairPowerful(const Places &places, Listener &listener
 
 void RepairPowerfulTask::onPowerfulRepairFinished()
 {
-    if (m_watcher.result())
+    if (m_watcher.result()) {
         emitSucceeded();
-    else
-        emitFailed(tr("powerful repair failed"));
+        return;
+    }
+    const QString reason = tr("powerful repair failed");
+    Log::critical(reason);
+    emitFailed(reason);
 }
