@@ -16,8 +16,8 @@
 ///
 /// Ends in a failure if something could not go; the rest goes all the same. Status lines tell what
 /// it was, and so does the log. The downloads stay, also where they are reached by a link, and so
-/// do the host's own folder and that of its records, should they lie in the game data directory; a
-/// game data directory that is the host's own folder is not touched at all.
+/// do the host's own folder and that of its records, should they lie in the game data directory; if
+/// one of them is the game data directory, nothing there is touched, which is a failure.
 class RIVETCORE_EXPORT RepairPowerfulTask : public TaskAbstract
 {
     Q_OBJECT
