@@ -67,7 +67,14 @@ ExitCode run(Host &host, TaskAbstract &task, OnInterrupt onInterrupt = OnInterru
     QObject::connect(&task, &TaskAbstract::status, &context,
                      [&host](const QString &line) { host.output().notice(line); });
     task.start();
-    runUntil([&task] { return task.isFinished(); }, onInterrupt);
+    bool isTold = false;
+    const auto hasEnded = [&] {
+        if (onInterrupt == OnInterrupt::GoOn && Interrupts::count() > 0 &&
+            !std::exchange(isTold, true))
+            host.output().notice(text("what has begun goes on to its end"));
+        return task.isFinished();
+    };
+    runUntil(hasEnded, onInterrupt);
     if (!task.successful()) {
         host.output().error(task.failReason());
         return ExitFailed;

@@ -10,63 +10,49 @@ class tst_RepairCommands : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase()
+    void doesWhatItSays()
     {
         if (QSysInfo::productType() == "windows" && !isWine())
             QSKIP("would write into the user's own folders");
-        QCOMPARE(run("settings ChangedDataDir " + m_dir.filePath("data")), 0);
-    }
-
-    void doesWhatItSays_data()
-    {
-        QTest::addColumn<int>("exitCode");
-        QTest::addColumn<QString>("says");
-        QTest::addColumn<QString>("left");
+        const QTemporaryDir dir;
+        const QString data = dir.filePath("data"), running = FSH::localAppDataPath() + "/running/";
+        QCOMPARE(run("settings ChangedDataDir " + data), 0);
         const QString downloads = "resources resources/mods resources/mods/5=pay";
+        const QString noJava = "instances instances/a=abc " + downloads;
         const QString all =
             "instances instances/a=abc java java/bin java/bin/javaw.exe " + downloads;
-        const auto row = [](const char *line, int exitCode, const char *says, const QString &left) {
-            QTest::newRow(line) << exitCode << says << left;
+        const struct
+        {
+            const char *line, *lock;
+            int exitCode;
+            const char *says;
+            QString left;
+        } rows[] = {
+            {"dns --dry-run", "", 0, "it becomes 114.114.114.114", all},
+            {"firewall --open --dry-run --yes", "", 0, "Rivet Java", all},
+            {"quick --dry-run", "", 0, "JavaPath", all},
+            {"powerful --dry-run --yes", "", 0, "goes: 2 files, 4 bytes", all},
+            {"dns", "", 2, "no terminal", all},
+            {"firewall", "", 2, "no terminal", all},
+            {"java", "", 2, "no terminal", all},
+            {"quick", "", 2, "no terminal", all},
+            {"powerful", "", 2, "no terminal", all},
+            {"all --yes", "", 2, "--help", all},
+            {"powerful --open --yes", "", 2, "--help", all},
+            {"powerful --yes", "launch-1.lock", 1, "under way", all},
+            {"java --yes", "", 0, "the repair is done", noJava},
+            {"quick --yes", "", 0, "memory", noJava},
+            {"powerful --yes", "", 0, "the repair is done", downloads},
         };
-        row("dns --dry-run", 0, "it becomes 114.114.114.114", all);
-        row("firewall --dry-run", 0, "rivet.exe", all);
-        row("firewall --open --dry-run --yes", 0, "Rivet Java", all);
-        row("java --dry-run", 0, "java", all);
-        row("quick --yes --dry-run", 0, "JavaPath", all);
-        row("powerful --dry-run", 0, "goes: 2 files, 4 bytes", all);
-        row("powerful --dry-run --yes", 0, "stays: 1 files, 3 bytes", all);
-        for (const char *kind : {"dns", "firewall", "java", "quick", "powerful"})
-            row(kind, 2, "no terminal", all);
-        row("", 2, "--help", all);
-        row("all --yes", 2, "--help", all);
-        row("powerful --open --yes", 2, "--help", all);
-        row("java --yes", 0, "the repair is done", "instances instances/a=abc " + downloads);
-        row("quick --yes", 0, "memory", "instances instances/a=abc " + downloads);
-        row("powerful --yes", 0, "the repair is done", downloads);
-        row("powerful --yes, locked", 1, "under way", all);
-    }
-    void doesWhatItSays()
-    {
-        QFETCH(int, exitCode);
-        QFETCH(QString, says);
-        QFETCH(QString, left);
-        const QString data = m_dir.filePath("data"), records = FSH::localAppDataPath();
-        makeFiles(data, {"instances/a=abc", "java/bin/javaw.exe", "resources/mods/5=pay"});
-        QString line = QTest::currentDataTag();
-        std::unique_ptr<platform::FileLock> launch;
-        if (line.endsWith(", locked"))
-            launch = platform::FileLock::tryTake(records + "/running/launch-1.lock");
-        makeFiles(records, {"running/launch-2.lock"}); // of a launch that was killed
-        QCOMPARE(run("repair " + line.remove(", locked")), exitCode);
-        QVERIFY2(m_said.contains(says), qUtf8Printable(m_said));
-        QCOMPARE(treeOf(data), left);
-    }
-
-    void noLaunchBesideARepair()
-    {
-        const auto repair =
-            platform::FileLock::tryTake(FSH::localAppDataPath() + "/running/repair.lock");
-        QVERIFY(repair);
+        for (const auto &row : rows) {
+            makeFiles(data, {"instances/a=abc", "java/bin/javaw.exe", "resources/mods/5=pay"});
+            makeFiles(running, {"launch-2.lock"}); // of a launch that was killed
+            const auto lock = platform::FileLock::tryTake(running + row.lock);
+            QCOMPARE(run("repair " + QString(row.line)), row.exitCode);
+            QVERIFY2(m_said.contains(row.says), qUtf8Printable(m_said));
+            QCOMPARE(treeOf(data), row.left);
+        }
+        const auto repair = platform::FileLock::tryTake(running + "repair.lock");
         QCOMPARE(run("launch 9"), 1);
         QVERIFY2(m_said.contains("a repair is under way"), qUtf8Printable(m_said));
     }
@@ -89,7 +75,6 @@ private:
         return process.exitCode();
     }
 
-    const QTemporaryDir m_dir;
     QString m_said;
 };
 
