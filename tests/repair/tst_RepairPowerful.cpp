@@ -1,3 +1,6 @@
+#include <QSemaphore>
+#include <QtConcurrent>
+
 #include "core/config/GameResConfig.h"
 #include "core/deploy/DeployGameResRecorder.h"
 #include "core/deploy/DeployResRecorder.h"
@@ -93,11 +96,12 @@ private Q_SLOTS:
         const LogCapture log;
         for (const bool endsCore : {false, true}) {
             ServiceWorld world;
-            makeFiles(world.root, {"a"});
+            makeFiles(world.root, {"a", "oriel/rivet/deploy.cache/which stays"});
             QThreadPool *pool = QThreadPool::globalInstance();
             const int threads = pool->maxThreadCount();
-            for (int i = 0; i < threads; ++i)
-                pool->reserveThread();
+            pool->setMaxThreadCount(1);
+            QSemaphore gate;
+            QtConcurrent::run([&gate] { gate.acquire(); });
             auto task = std::make_unique<RepairPowerfulTask>();
             task->start();
             task.reset();
@@ -105,9 +109,9 @@ private Q_SLOTS:
             if (endsCore)
                 world.core.reset();
             QCOMPARE(QFile::exists(world.path("a")), !endsCore);
-            for (int i = 0; i < threads; ++i)
-                pool->releaseThread();
+            gate.release();
             QVERIFY(pool->waitForDone(20'000) && !QFile::exists(world.path("a")));
+            pool->setMaxThreadCount(threads);
         }
     }
 };
