@@ -1,6 +1,5 @@
 #include "core/foundation/FSH.h"
 #include "platform/FileLock.h"
-#include "tests/support/Await.h"
 #include "tests/support/Sandbox.h"
 #include "tests/support/TestFiles.h"
 
@@ -37,7 +36,6 @@ private Q_SLOTS:
             {"java", "", 2, "no terminal", all},
             {"quick", "", 2, "no terminal", all},
             {"powerful", "", 2, "no terminal", all},
-            {"all --yes", "", 2, "--help", all},
             {"powerful --open --yes", "", 2, "--help", all},
             {"powerful --yes", "launch-1.lock", 1, "under way", all},
             {"java --yes", "", 0, "the repair is done", noJava},
@@ -69,10 +67,9 @@ private:
         process.setProcessChannelMode(QProcess::MergedChannels);
         process.start(QStandardPaths::findExecutable("rivet"), line.split(' ', Qt::SkipEmptyParts));
         process.closeWriteChannel();
-        if (!await([&] { return process.state() == QProcess::NotRunning; }))
-            return -1;
+        const bool hasEnded = process.waitForFinished();
         m_said = QString::fromUtf8(process.readAll());
-        return process.exitCode();
+        return hasEnded ? process.exitCode() : -1;
     }
 
     QString m_said;
