@@ -54,6 +54,14 @@ constexpr Command table[] = {
          "prop is sold"),
      1, 3, &Commands::store},
     {"vip", "", QT_TRANSLATE_NOOP("host", "what each VIP level gives"), 0, 0, &Commands::vip},
+    {"repair", "quick | java | powerful | dns | firewall [--open] [--yes] [--dry-run]",
+     QT_TRANSLATE_NOOP(
+         "host",
+         "put things right: quick forgets the choice of resources and the Java, java only the "
+         "latter, powerful wipes all but the downloads, dns sets a public name server, firewall "
+         "lets the launcher through (--open: all, for as long as you want). Asks first, unless "
+         "--yes"),
+     1, 4, &Commands::repair},
     {"settings", "[KEY [VALUE]]",
      QT_TRANSLATE_NOOP("host", "show or change what the launcher remembers"), 0, 2,
      &Commands::settings},
@@ -92,9 +100,9 @@ const Command *byName(const QString &name)
 
 int settings(Host &host, const QStringList &arguments)
 {
-    static const char *const keys[] = {"DataPath",        "ChangedDataDir",    "JavaPath",
-                                       "JavaParam",       "channel",           "notifyupdate",
-                                       "minimizeOnClose", "ShowTrayBalloonMsg"};
+    static const char *const keys[] = {
+        "DataPath",     "ChangedDataDir",  "JavaPath",           "JavaParam", "channel",
+        "notifyupdate", "minimizeOnClose", "ShowTrayBalloonMsg", "oldDns"};
     const auto store = Environment::GetInstance()->settings();
     if (arguments.size() == 2) {
         store->setValue(arguments[0], arguments[1]);

@@ -52,6 +52,8 @@ int launch(Host &host, const QStringList &arguments);
 // Store
 int store(Host &host, const QStringList &arguments);
 int vip(Host &host, const QStringList &arguments);
+// Repair
+int repair(Host &host, const QStringList &arguments);
 // The program
 int settings(Host &host, const QStringList &arguments);
 int version(Host &host, const QStringList &arguments);

@@ -1,7 +1,7 @@
 #pragma once
 
-/// Ctrl-C, the request to end of other programs, and the end of the terminal: the first one asks for an end in good order,
-/// the second one ends the program at once.
+/// Ctrl-C, the request to end of other programs, and the end of the terminal: the first one asks
+/// for an end in good order, the second one ends the program at once.
 namespace Interrupts {
 
 /// Thrown by what waits, out of its command, when the user does not want to wait any more.

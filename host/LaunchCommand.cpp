@@ -6,6 +6,7 @@
 
 #include "core/launch/GameLaunchBase.h"
 #include "host/Commands.h"
+#include "host/DataLock.h"
 #include "host/Host.h"
 #include "host/InstanceChoice.h"
 #include "host/Interrupts.h"
@@ -144,6 +145,12 @@ private:
 
 int Commands::launch(Host &host, const QStringList &arguments)
 {
+    const auto lock = DataLock::forLaunch();
+    if (!lock) {
+        host.output().error(
+            QCoreApplication::translate("host", "a repair is under way, try again after it"));
+        return ExitFailed;
+    }
     if (host.logInRememberedUser() == Host::LoginOutcome::Refused)
         return ExitLaunchFailed + GameLaunchBase::ErrNeedLogin;
     host.updateInstances();

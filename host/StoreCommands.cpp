@@ -73,11 +73,6 @@ bool openStore(Host &host)
     return hasMoney && hasProps;
 }
 
-QString yesOrNo(bool is)
-{
-    return is ? Text::tr("yes") : Text::tr("no");
-}
-
 QString dateText(quint32 time)
 {
     return time == 0 ? QString() : QDateTime::fromSecsSinceEpoch(time).toString(Qt::ISODate);
@@ -111,7 +106,7 @@ int listProps(Host &host, const QStringList &)
                                 QString::number(norm.type),
                                 norm.name,
                                 QString::number(norm.price),
-                                yesOrNo(prop.onSale),
+                                Text::yesOrNo(prop.onSale),
                                 prop.detail};
     }
     if (!isNew && rows.isEmpty())
@@ -130,8 +125,8 @@ int showOwnProps(Host &host, const QStringList &)
     QList<QStringList> rows;
     for (const MyProp &prop : MyPropListInfo::GetInstance()->GetMyPropList())
         rows << QStringList{QString::number(prop.id),    prop.name,
-                            QString::number(prop.count), yesOrNo(prop.isUsing),
-                            dateText(prop.endTime),      yesOrNo(prop.isExpire)};
+                            QString::number(prop.count), Text::yesOrNo(prop.isUsing),
+                            dateText(prop.endTime),      Text::yesOrNo(prop.isExpire)};
     host.output().table({Text::tr("id"), Text::tr("name"), Text::tr("count"), Text::tr("in use"),
                          Text::tr("ends"), Text::tr("expired")},
                         rows);
@@ -144,7 +139,7 @@ void tellProp(Host &host, quint32 id)
     const MyProp prop = MyPropListInfo::GetInstance()->GetMyPropById(id);
     const QString name = RivetStoreListInfo::GetInstance()->getStoreProp(id).name;
     host.output().line(Text::tr("%1: you have %2, in use: %3")
-                           .arg(name, QString::number(prop.count), yesOrNo(prop.isUsing)),
+                           .arg(name, QString::number(prop.count), Text::yesOrNo(prop.isUsing)),
                        {{QStringLiteral("id"), double(id)},
                         {QStringLiteral("name"), name},
                         {QStringLiteral("count"), double(prop.count)},

@@ -6,4 +6,6 @@
 class Text
 {
     Q_DECLARE_TR_FUNCTIONS(host)
+public:
+    static QString yesOrNo(bool is) { return is ? tr("yes") : tr("no"); }
 };

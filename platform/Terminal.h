@@ -23,8 +23,11 @@ RIVETPLATFORM_EXPORT void watchEnd(void (*handler)());
 /// Characters in a line; 80 where that can't be told.
 RIVETPLATFORM_EXPORT int columns();
 
-/// Asks for a line that is not shown as it is typed. Blocks. Nothing if there is no terminal to
-/// read from.
+/// Asks for a line. Blocks until it or an interrupt comes. Nothing after an interrupt, and if there
+/// is no terminal to read from.
+RIVETPLATFORM_EXPORT std::optional<QString> readLine(const QString &prompt);
+
+/// The same for a line that is not shown as it is typed.
 RIVETPLATFORM_EXPORT std::optional<QString> readSecret(const QString &prompt);
 
 } // namespace platform::Terminal

@@ -335,6 +335,33 @@
     </message>
 </context>
 <context>
+    <name>RepairPowerfulTask</name>
+    <message>
+        <source>Start powerful repair</source>
+        <translation>开始强力修复</translation>
+    </message>
+    <message>
+        <source>powerful repair...</source>
+        <translation>正在强力修复…</translation>
+    </message>
+    <message>
+        <source>It can not be removed: %1</source>
+        <translation>无法删除：%1</translation>
+    </message>
+    <message>
+        <source>Remove res files Failed, check the game is running?</source>
+        <translation>删除资源文件失败，请检查游戏是否正在运行？</translation>
+    </message>
+    <message>
+        <source>Remove deploy files Failed, check the related file is opening?</source>
+        <translation>删除部署文件失败，请检查相关文件是否被打开？</translation>
+    </message>
+    <message>
+        <source>powerful repair failed</source>
+        <translation>强力修复失败</translation>
+    </message>
+</context>
+<context>
     <name>ResObj</name>
     <message>
         <source>deploy out folder prefix is empty.</source>
@@ -813,6 +840,130 @@ Ctrl-C 有序地中止当前操作或结束游戏；再按一次立即退出。
     <message>
         <source>welfare</source>
         <translation>福利</translation>
+    </message>
+    <message>
+        <source>put things right: quick forgets the choice of resources and the Java, java only the latter, powerful wipes all but the downloads, dns sets a public name server, firewall lets the launcher through (--open: all, for as long as you want). Asks first, unless --yes</source>
+        <translation>修复：quick 忘记资源选择并重置 Java，java 只重置 Java，powerful 清除下载以外的所有数据，dns 设置公共 DNS 服务器，firewall 允许启动器通过防火墙（--open：全部放行，直到您结束）。除非使用 --yes，否则会先询问</translation>
+    </message>
+    <message>
+        <source>a repair is under way, try again after it</source>
+        <translation>正在进行修复，请在修复结束后重试</translation>
+    </message>
+    <message>
+        <source> [y/N] </source>
+        <translation> [y/N] </translation>
+    </message>
+    <message>
+        <source>there is no terminal to ask at: give --yes or --dry-run</source>
+        <translation>没有可供确认的终端：请使用 --yes 或 --dry-run</translation>
+    </message>
+    <message>
+        <source>what has begun goes on to its end</source>
+        <translation>已开始的操作会继续到结束</translation>
+    </message>
+    <message>
+        <source>the repair is done</source>
+        <translation>修复完成</translation>
+    </message>
+    <message>
+        <source>goes: %1</source>
+        <translation>将删除：%1</translation>
+    </message>
+    <message>
+        <source>no deployed Java goes</source>
+        <translation>没有需要删除的 Java</translation>
+    </message>
+    <message>
+        <source>goes back to the default: JavaPath, JavaParam</source>
+        <translation>恢复默认：JavaPath、JavaParam</translation>
+    </message>
+    <message>
+        <source>Repair Java?</source>
+        <translation>修复 Java？</translation>
+    </message>
+    <message>
+        <source>forgotten: the resources added to instances, the defaults ignored</source>
+        <translation>将忘记：为实例添加的资源，以及关闭的默认资源</translation>
+    </message>
+    <message>
+        <source>Repair?</source>
+        <translation>修复？</translation>
+    </message>
+    <message>
+        <source>goes: %1 files, %2, in %3</source>
+        <translation>将删除：%1 个文件，%2，位于 %3</translation>
+    </message>
+    <message>
+        <source>stays: %1 files, %2, in %3</source>
+        <translation>保留：%1 个文件，%2，位于 %3</translation>
+    </message>
+    <message>
+        <source>All games, saves and settings of all instances go. No game may be running, not even one whose launcher has gone. Wipe them?</source>
+        <translation>所有实例的游戏、存档和设置都会被删除。不能有游戏正在运行，包括启动器已退出的游戏。确定清除？</translation>
+    </message>
+    <message>
+        <source>none</source>
+        <translation>无</translation>
+    </message>
+    <message>
+        <source>the name server is %1</source>
+        <translation>当前 DNS 服务器为 %1</translation>
+    </message>
+    <message>
+        <source>it becomes %1 on</source>
+        <translation>将在以下网络接口上改为 %1</translation>
+    </message>
+    <message>
+        <source>Replace the name server?</source>
+        <translation>更换 DNS 服务器？</translation>
+    </message>
+    <message>
+        <source>it was %1, in case that is to come back</source>
+        <translation>原来是 %1，可用于恢复</translation>
+    </message>
+    <message>
+        <source>it did not change; that takes the rights of an administrator</source>
+        <translation>没有改变；此操作需要管理员权限</translation>
+    </message>
+    <message>
+        <source>exception</source>
+        <translation>例外</translation>
+    </message>
+    <message>
+        <source>program</source>
+        <translation>程序</translation>
+    </message>
+    <message>
+        <source>added</source>
+        <translation>已添加</translation>
+    </message>
+    <message>
+        <source>The firewall is off. Enter puts it back. </source>
+        <translation>防火墙已关闭。按回车键恢复。</translation>
+    </message>
+    <message>
+        <source>the firewall is as it was</source>
+        <translation>防火墙已恢复原状</translation>
+    </message>
+    <message>
+        <source>the firewall can not be switched off</source>
+        <translation>无法关闭防火墙</translation>
+    </message>
+    <message>
+        <source>Add these exceptions, and switch the firewall off for now?</source>
+        <translation>添加这些例外，并暂时关闭防火墙？</translation>
+    </message>
+    <message>
+        <source>Add these exceptions to the firewall?</source>
+        <translation>将这些例外添加到防火墙？</translation>
+    </message>
+    <message>
+        <source>not all were added; that takes the rights of an administrator</source>
+        <translation>未能全部添加；此操作需要管理员权限</translation>
+    </message>
+    <message>
+        <source>a launch or another repair is under way</source>
+        <translation>正在启动游戏或进行另一个修复</translation>
     </message>
 </context>
 </TS>

@@ -54,6 +54,30 @@ private:
     struct sigaction m_end = {};
 };
 
+enum class Typing {
+    Shown,
+    Hidden,
+};
+
+std::optional<QString> ask(const QString &prompt, Typing typing)
+{
+    termios before{};
+    if (tcgetattr(STDIN_FILENO, &before) != 0)
+        return std::nullopt;
+    const LateInterrupts late;
+    termios during = before;
+    if (typing == Typing::Hidden)
+        during.c_lflag &= ~tcflag_t(ECHO);
+    std::fputs(qUtf8Printable(prompt), stderr);
+    tcsetattr(STDIN_FILENO, TCSAFLUSH, &during);
+    std::string line;
+    const bool isRead = bool(std::getline(std::cin, line));
+    tcsetattr(STDIN_FILENO, TCSAFLUSH, &before);
+    if (!isRead || typing == Typing::Hidden)
+        std::fputs("\n", stderr);
+    return isRead ? std::optional<QString>(QString::fromStdString(line)) : std::nullopt;
+}
+
 } // namespace
 
 bool isInteractive()
@@ -77,21 +101,14 @@ int columns()
     return isKnown ? size.ws_col : 80;
 }
 
+std::optional<QString> readLine(const QString &prompt)
+{
+    return ask(prompt, Typing::Shown);
+}
+
 std::optional<QString> readSecret(const QString &prompt)
 {
-    termios before{};
-    if (tcgetattr(STDIN_FILENO, &before) != 0)
-        return std::nullopt;
-    const LateInterrupts late;
-    termios silent = before;
-    silent.c_lflag &= ~tcflag_t(ECHO);
-    std::fputs(qUtf8Printable(prompt), stderr);
-    tcsetattr(STDIN_FILENO, TCSAFLUSH, &silent);
-    std::string line;
-    const bool isRead = bool(std::getline(std::cin, line));
-    tcsetattr(STDIN_FILENO, TCSAFLUSH, &before);
-    std::fputs("\n", stderr);
-    return isRead ? std::optional<QString>(QString::fromStdString(line)) : std::nullopt;
+    return ask(prompt, Typing::Hidden);
 }
 
 } // namespace platform::Terminal

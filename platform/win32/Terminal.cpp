@@ -27,6 +27,34 @@ BOOL WINAPI onEnd(DWORD event)
     return TRUE;
 }
 
+enum class Typing {
+    Shown,
+    Hidden,
+};
+
+std::optional<QString> ask(const QString &prompt, Typing typing)
+{
+    const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
+    DWORD before = 0;
+    if (!GetConsoleMode(input, &before))
+        return std::nullopt;
+    std::fputs(qUtf8Printable(prompt), stderr);
+    if (typing == Typing::Hidden)
+        SetConsoleMode(input, before & ~DWORD(ENABLE_ECHO_INPUT));
+    wchar_t line[512];
+    DWORD length = 0;
+    // An interrupt ends it with success and not even the end of a line.
+    const bool isRead = ReadConsoleW(input, line, 512, &length, nullptr) != 0 && length > 0;
+    SetConsoleMode(input, before);
+    if (!isRead || typing == Typing::Hidden)
+        std::fputs("\n", stderr);
+    if (!isRead)
+        return std::nullopt;
+    while (length > 0 && (line[length - 1] == L'\n' || line[length - 1] == L'\r'))
+        --length;
+    return QString::fromWCharArray(line, int(length));
+}
+
 } // namespace
 
 bool isInteractive()
@@ -58,24 +86,14 @@ int columns()
     return GetConsoleScreenBufferInfo(output(), &info) ? info.dwSize.X : 80;
 }
 
+std::optional<QString> readLine(const QString &prompt)
+{
+    return ask(prompt, Typing::Shown);
+}
+
 std::optional<QString> readSecret(const QString &prompt)
 {
-    const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
-    DWORD before = 0;
-    if (!GetConsoleMode(input, &before))
-        return std::nullopt;
-    std::fputs(qUtf8Printable(prompt), stderr);
-    SetConsoleMode(input, before & ~DWORD(ENABLE_ECHO_INPUT));
-    wchar_t line[512];
-    DWORD length = 0;
-    const bool isRead = ReadConsoleW(input, line, 512, &length, nullptr) != 0;
-    SetConsoleMode(input, before);
-    std::fputs("\n", stderr);
-    if (!isRead)
-        return std::nullopt;
-    while (length > 0 && (line[length - 1] == L'\n' || line[length - 1] == L'\r'))
-        --length;
-    return QString::fromWCharArray(line, int(length));
+    return ask(prompt, Typing::Hidden);
 }
 
 } // namespace platform::Terminal
