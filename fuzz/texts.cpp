@@ -28,10 +28,10 @@ void filter(const QByteArray &input)
 void readTemplate(const QByteArray &input)
 {
     fuzz::putFile("arguments", input);
-    const auto arguments = ArgumentTemplate::read(fuzz::path("arguments"), {{"%a%", "%b%"}});
+    const auto arguments = ArgumentTemplate::read(fuzz::path("arguments"), {{"%a%", "name"}});
     const int lines = input.count('\n') + (input.isEmpty() || input.endsWith('\n') ? 0 : 1);
     fuzz::require(arguments && arguments->size() == lines, "each line is an argument");
-    fuzz::require(!arguments->join("").contains("%a%"), "each placeholder is replaced");
+    fuzz::require(!arguments->join('\n').contains("%a%"), "each placeholder is replaced");
 }
 
 void changeOptions(const QByteArray &input)
