@@ -1,11 +1,13 @@
 #include "fuzz/Fuzz.h"
 
 #include <algorithm>
+#include <optional>
 
-#include <QTemporaryFile>
-
+#include "base/RivetCoreAtExitManagerUtil.h"
+#include "core/foundation/FSH.h"
 #include "core/launch/ArgumentTemplate.h"
 #include "core/launch/GameOptions.h"
+#include "core/servers/MaskWordHelper.h"
 #include "core/servers/WordMask.h"
 #include "support/coresupport/CCommonFunction.h"
 #include "support/jsonfskit/FS.h"
@@ -59,6 +61,24 @@ void maskWords(const QString &input)
     fuzz::require(WordMask(words).masked(text) == expected, "words are masked in turn");
 }
 
+/// The words that a process finds are written again at its end.
+std::optional<QByteArray> writeWordsAgain(const QString &file)
+{
+    {
+        const RivetCoreAtExitManagerUtil core;
+        MaskWordHelper::GetInstance()->stringMask("a word");
+    }
+    return FS::readFile(file);
+}
+
+void keepWords(const QByteArray &input)
+{
+    const QString file = FSH::localAppDataPath() + "/FilterSt.ini";
+    fuzz::require(FS::writeFile(file, input), "a list of words can be written");
+    const auto once = writeWordsAgain(file);
+    fuzz::require(once && writeWordsAgain(file) == once, "a list of words does not grow");
+}
+
 } // namespace
 
 /// Texts that need not be well-formed: replies before they are parsed, lists of arguments, options
@@ -69,4 +89,5 @@ void fuzz::takeInput(const QByteArray &input)
     readTemplate(input);
     changeOptions(input);
     maskWords(QString::fromUtf8(input));
+    keepWords(input);
 }
