@@ -18,6 +18,15 @@ void warnOfFile()
     Log::warning(QStringLiteral("Couldn't open save file."));
 }
 
+/// An item that can't be built has no record in the file; an empty one would damage the rest.
+void putBuilt(QHash<quint64, QByteArray> &records, quint64 resKey, const QByteArray &built)
+{
+    if (built.isEmpty())
+        records.remove(resKey);
+    else
+        records.insert(resKey, built);
+}
+
 } // namespace
 
 DepHistoryFlatFile::DepHistoryFlatFile() = default;
@@ -76,7 +85,7 @@ void DepHistoryFlatFile::init(const QString &path)
     for (auto folder = m_table.cbegin(); folder != m_table.cend(); ++folder) {
         QHash<quint64, QByteArray> &built = m_built[folder.key()];
         for (auto item = folder->cbegin(); item != folder->cend(); ++item)
-            built.insert(item.key(), HistoryFile::buildRecord(item.key(), *item));
+            putBuilt(built, item.key(), HistoryFile::buildRecord(item.key(), *item));
     }
 }
 
@@ -89,10 +98,7 @@ void DepHistoryFlatFile::insertRecord(const QString &deployPath, quint64 resKey,
     {
         const QMutexLocker lock(&m_mutex);
         m_table[folder].insert(resKey, item);
-        if (built.isEmpty())
-            m_built[folder].remove(resKey);
-        else
-            m_built[folder].insert(resKey, built);
+        putBuilt(m_built[folder], resKey, built);
     }
     if (save)
         this->save();

@@ -105,7 +105,7 @@ ResponseHead readResponseHead(const QNetworkReply &reply)
     } else {
         bool isKnown = false;
         const qint64 length = reply.rawHeader("Content-Length").toLongLong(&isKnown);
-        head.record.totalBytes = isKnown ? length : -1;
+        head.record.totalBytes = isKnown && length >= 0 ? length : -1;
     }
     return head;
 }
