@@ -5,7 +5,7 @@
 world=$work/world
 
 # What the game does; both for the check of the Java and for the game.
-export STUB_STEPS='print os.arch|print java.version|args'
+export GAME_STEPS='print os.arch|print java.version|args'
 
 # make_small_world <program of the game> [version of the client]: the demo's world with a Java, a
 # client and a mod.

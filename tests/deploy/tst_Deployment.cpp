@@ -152,16 +152,16 @@ private Q_SLOTS:
 
     void aJavaIsDeployedWhenItRuns()
     {
-        const QString stub = QStandardPaths::findExecutable("stub-java"),
+        const QString game = QStandardPaths::findExecutable("scripted-game"),
                       path = m_game + "/jre/bin/javaw.exe", other = m_game + "/java.exe";
-        qputenv("STUB_STEPS", "print os.arch|print java.version");
+        qputenv("GAME_STEPS", "print os.arch|print java.version");
         archive({{"jre/bin/readme"}});
         QCOMPARE(deploy("java"), "unzip file is not expected.");
         QVERIFY(m_history->getDeployResInDeployFolder(m_game).isEmpty());
 
         const QByteArray script = "#!/bin/sh\nexec java \"$@\"\n";
         const bool isScript = QSysInfo::productType() != "windows";
-        archive({{"jre/bin/javaw.exe", isScript ? script : *FS::readFile(stub), 0100755}});
+        archive({{"jre/bin/javaw.exe", isScript ? script : *FS::readFile(game), 0100755}});
         QCOMPARE(deploy("java"), "");
         QCOMPARE(MCSettings().value("JavaPath", {}).toString(), path);
         archive({}, -5); // from now on unpacking fails
@@ -171,7 +171,7 @@ private Q_SLOTS:
         QCOMPARE(deploy("java"), "unzip failed.");
         MCSettings().setValue("JavaPath", path);
         QCOMPARE(deploy("java"), "");
-        qputenv("STUB_STEPS", "print os.arch");
+        qputenv("GAME_STEPS", "print os.arch");
         QFile java(path);
         QVERIFY(!isScript || (java.open(QIODevice::WriteOnly) && java.write("echo os.arch") > 0));
         java.close();

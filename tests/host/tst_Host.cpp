@@ -27,7 +27,7 @@ private Q_SLOTS:
         if (isWindows && !isWine())
             QSKIP("would write into the user's own folders");
         const QByteArray java =
-            FS::readFile(QStandardPaths::findExecutable("stub-java")).value_or("");
+            FS::readFile(QStandardPaths::findExecutable("scripted-game")).value_or("");
         offer("/files/java", {{"jre/bin/javaw.exe", java, 0100755}});
         offer("/files/client", {{".minecraft/versions/oriel1.8/1.8.bat", "-x\n%UserName%\n"}});
         offer("/files/5", {{"a.jar", "mod"}});
@@ -44,7 +44,7 @@ private Q_SLOTS:
         say("/resources/info?id=5", R"({"code":0,"resource":{"id":5,"type":1,"name":"m",
                                         "url":"BASE/files/5"}})");
         // Both for the check of the Java and for the game.
-        qputenv("STUB_STEPS", "print os.arch|print java.version|args");
+        qputenv("GAME_STEPS", "print os.arch|print java.version|args");
         qputenv("DISPLAY", "");
     }
 

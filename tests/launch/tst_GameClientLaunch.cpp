@@ -9,7 +9,7 @@
 
 namespace {
 
-/// One launch of the stub game, for the account 7.
+/// One launch of the scripted game, for the account 7.
 struct Launch : ServiceWorld
 {
     explicit Launch(const QString &gameSteps = "")
@@ -20,7 +20,7 @@ struct Launch : ServiceWorld
             R"({"code":"1","ortoken":"t","oruser_profile":{"login":"Bob","user":{"bid":"7"}}})";
         profile.setCurrentProfile(QJsonDocument::fromJson(answer).object());
         auto *settings = Environment::GetInstance()->settings().get();
-        settings->setValue("JavaPath", QStandardPaths::findExecutable("stub-java"));
+        settings->setValue("JavaPath", QStandardPaths::findExecutable("scripted-game"));
         settings->setValue("JavaParam", "-a  -b");
         info->session.SetCurrentOrBid(7);
         info->session.SetAccessToken("access");
@@ -30,7 +30,7 @@ struct Launch : ServiceWorld
         info->sid = "sid";
         info->host = "10.0.0.1";
         info->port = 25566;
-        qputenv("STUB_STEPS", QString(gameSteps).replace("%dir", folder.path()).toUtf8());
+        qputenv("GAME_STEPS", QString(gameSteps).replace("%dir", folder.path()).toUtf8());
     }
     /// The story of the launch up to the end of the game, if there is one.
     QString play()

@@ -144,10 +144,10 @@ private Q_SLOTS:
             QVERIFY(FS::clearFolder(data.path(), {}, FS::ClearScope::WholeTree));
             makeFiles(data.path(), {"java/lib/rt.jar", program});
             const QString path = data.filePath(program);
-            QFile::remove(path), QFile::copy(QStandardPaths::findExecutable("stub-java"), path);
+            QFile::remove(path), QFile::copy(QStandardPaths::findExecutable("scripted-game"), path);
             const QString tree = treeOf(data.path());
             MCSettings().setValue("JavaPath", QString(javaPath).replace("%1", data.path()));
-            qputenv("STUB_STEPS", "until " + data.filePath("go").toUtf8());
+            qputenv("GAME_STEPS", "until " + data.filePath("go").toUtf8());
             QProcess java;
             java.start(path, QStringList());
             QVERIFY(java.waitForStarted());

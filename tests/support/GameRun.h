@@ -33,8 +33,8 @@ private:
     const OtherProcesses &real = current();
 };
 
-/// One game in a temporary game base: the stub Java (tests/support/StubJava.cpp), steered by
-/// `steps`, in which "%dir" stands for the game base. Once the game counts as up, the file "go"
+/// One game in a temporary game base: the scripted game (tests/support/ScriptedGame.cpp), steered
+/// by `steps`, in which "%dir" stands for the game base. Once the game counts as up, the file "go"
 /// lies there, outside of the instance directory. Its end ends a game that still runs.
 template <typename Game = LaunchMcProcess>
 struct GameRun
@@ -42,12 +42,12 @@ struct GameRun
     explicit GameRun(QString steps = "until %dir/go", const QByteArray &argumentTemplate = "-x\n")
     {
         write(".minecraft/versions/oriel7/7.bat", argumentTemplate);
-        game->setArgs(Game::ArgJavaPath, QCoreApplication::applicationDirPath() + "/stub-java");
+        game->setArgs(Game::ArgJavaPath, QCoreApplication::applicationDirPath() + "/scripted-game");
         game->setArgs(Game::ArgGameBase, dir.path());
         game->setArgs(Game::ArgInstanceDir, instance);
         game->setArgs(Game::ArgUserName, "Steve");
         auto environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("STUB_STEPS", steps.replace("%dir", dir.path()));
+        environment.insert("GAME_STEPS", steps.replace("%dir", dir.path()));
         game->setProcessEnv(environment);
         QObject::connect(game.get(), &Game::processStateChange, game.get(), [this](int state) {
             const auto names = QMetaEnum::fromType<LaunchMcProcess::State>();

@@ -1,4 +1,4 @@
-#include "tests/support/StubSystem.h"
+#include "tests/support/GameSystem.h"
 
 #include <csignal>
 #include <unistd.h>
@@ -19,7 +19,7 @@ static xcb_atom_t atom(const QByteArray &name)
     return Reply<xcb_intern_atom_reply_t>(xcb_intern_atom_reply(display, request, nullptr))->atom;
 }
 
-void StubSystem::openWindow()
+void GameSystem::openWindow()
 {
     display = xcb_connect(nullptr, nullptr);
     window = xcb_generate_id(display);
@@ -33,7 +33,7 @@ void StubSystem::openWindow()
     xcb_flush(display);
 }
 
-QString StubSystem::windowTitle()
+QString GameSystem::windowTitle()
 {
     const auto request =
         xcb_get_property(display, 0, window, atom("_NET_WM_NAME"), atom("UTF8_STRING"), 0, 99);
@@ -42,7 +42,7 @@ QString StubSystem::windowTitle()
                              xcb_get_property_value_length(reply.data()));
 }
 
-void StubSystem::crash()
+void GameSystem::crash()
 {
     kill(getpid(), SIGKILL);
 }

@@ -5,9 +5,9 @@
 #include <QFile>
 #include <QThread>
 
-#include "tests/support/StubSystem.h"
+#include "tests/support/GameSystem.h"
 
-// The program that the tests start as the game. The variable STUB_STEPS holds what it does, step
+// The program that the tests start as the game. The variable GAME_STEPS holds what it does, step
 // after step, separated by "|"; then it ends with code 0. No step waits for more than about 20 s.
 
 template <typename Condition>
@@ -34,12 +34,12 @@ static void run(const QString &step, const QString &value)
     } else if (step == "until") {
         waitFor([&] { return QFile::exists(value); });
     } else if (step == "window") {
-        StubSystem::openWindow();
-        waitFor([] { return !StubSystem::windowTitle().isEmpty(); });
-        std::puts(qUtf8Printable(StubSystem::windowTitle()));
+        GameSystem::openWindow();
+        waitFor([] { return !GameSystem::windowTitle().isEmpty(); });
+        std::puts(qUtf8Printable(GameSystem::windowTitle()));
     } else if (step == "crash") {
         std::fflush(stdout);
-        StubSystem::crash();
+        GameSystem::crash();
     } else if (step == "exit") {
         std::exit(value.toInt());
     }
@@ -48,7 +48,7 @@ static void run(const QString &step, const QString &value)
 int main(int argc, char **argv)
 {
     const QCoreApplication app(argc, argv);
-    const QStringList steps = qEnvironmentVariable("STUB_STEPS").split('|');
+    const QStringList steps = qEnvironmentVariable("GAME_STEPS").split('|');
     for (const QString &step : steps)
         run(step.section(' ', 0, 0), step.section(' ', 1));
 }

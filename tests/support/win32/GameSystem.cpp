@@ -1,16 +1,16 @@
-#include "tests/support/StubSystem.h"
+#include "tests/support/GameSystem.h"
 
 #include <windows.h>
 
 static HWND window = nullptr;
 
-void StubSystem::openWindow()
+void GameSystem::openWindow()
 {
     window = CreateWindowExW(0, L"STATIC", L"", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 99, 99,
                              nullptr, nullptr, nullptr, nullptr);
 }
 
-QString StubSystem::windowTitle()
+QString GameSystem::windowTitle()
 {
     // A process counts as ready for input once it has waited for some.
     MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
@@ -21,7 +21,7 @@ QString StubSystem::windowTitle()
     return QString::fromWCharArray(text, GetWindowTextW(window, text, 99));
 }
 
-void StubSystem::crash()
+void GameSystem::crash()
 {
     TerminateProcess(GetCurrentProcess(), 0xC0000005);
 }

@@ -2,8 +2,8 @@
 
 #include <QString>
 
-/// What the stub Java asks of the system. One implementation for each.
-namespace StubSystem {
+/// What the scripted game asks of the system. One implementation for each.
+namespace GameSystem {
 
 /// Opens a window with an empty title.
 void openWindow();
@@ -12,4 +12,4 @@ QString windowTitle();
 /// Ends this process the way a crash does.
 void crash();
 
-} // namespace StubSystem
+} // namespace GameSystem
