@@ -22,10 +22,8 @@ struct Step : TaskAbstract
     void onTaskRun() override
     {
         setTaskBrief(objectName());
-        if (objectName() == "endless")
-            setStatus("busy");
-        else
-            objectName() == "good" ? emitSucceeded() : emitFailed("why");
+        const QString end = objectName();
+        end == "good" ? emitSucceeded() : end == "bad" ? emitFailed("why") : setStatus("busy");
     }
 };
 
@@ -107,9 +105,7 @@ private Q_SLOTS:
         QVERIFY(config->getCustomGameInstCfgList(1).isEmpty() &&
                 config->getIgnoredRemoteDefaultGameInstCfgList(2).isEmpty());
         QCOMPARE(config->getRemoteDefaultGameInstCfgList(2).size(), 2);
-        QCOMPARE(
-            storyOf(RepairOptimizeSysMemoryTask()),
-            "brief Start optimize system memory, status optimize system memory..., finished 1 ");
+        QVERIFY(storyOf(RepairOptimizeSysMemoryTask()).endsWith("memory..., finished 1 "));
     }
 
     void dnsIsSetBehindTheTask()
@@ -118,6 +114,14 @@ private Q_SLOTS:
                                  ? "netsh interface ip set dns name=\"%1\" source=static addr=%2"
                                  : "resolvectl dns \"%1\" %2";
         QCOMPARE(platform::NameServers::command("a %2 net", "::1"), form.arg("a %2 net", "::1"));
+        // What the system's own does, short of a change.
+        const auto &own = platform::NameServers::current();
+        const QTemporaryDir dir;
+        const QString folder = QDir::toNativeSeparators(dir.filePath("a net"));
+        own.run((isWindows ? "cmd /c mkdir \"" : "mkdir \"") + folder + '"',
+                std::chrono::minutes(1));
+        QVERIFY(QFile::exists(folder));
+        QVERIFY(own.first().isEmpty() || !QHostAddress(own.first()).isNull());
         PaperServers servers;
         for (const QString old : {"10.0.0.1", "114.114.114.114"}) {
             QStringList wanted;
@@ -176,11 +180,9 @@ private Q_SLOTS:
         QFile open(data.filePath("java/open"));
         QVERIFY(open.open(QIODevice::ReadOnly));
         QCOMPARE(storyOf(RepairJavaEnvTask()), isWindows ? javaIsHeld : javaIsGood);
-        // The work goes on, without the task.
-        open.close();
-        makeFiles(data.path(), {"java/open"});
+        open.close(), makeFiles(data.path(), {"java/open"});
         MCSettings().setValue("JavaPath", "mine");
-        RepairJavaEnvTask().start();
+        RepairJavaEnvTask().start(); // goes at once, and the work on
         QVERIFY(QThreadPool::globalInstance()->waitForDone(20000));
         QCOMPARE(MCSettings().value("JavaPath", {}).toString(), "default");
         QVERIFY(!QFile::exists(data.filePath("java")));
