@@ -13,8 +13,9 @@ enum class FileUse {
 };
 
 /// Whether another process uses the file now. On Windows any open handle counts and the answer is
-/// certain. On POSIX it is advice: only processes of which this user may know are looked at, on
-/// systems with /proc; a yes is certain. May take some ten milliseconds.
+/// certain, but that a write-protected file is Unknown. On POSIX it is advice: only processes of
+/// which this user may know are looked at, on systems with /proc; a yes is certain. May take some
+/// ten milliseconds.
 [[nodiscard]] RIVETPLATFORM_EXPORT FileUse fileUse(const QString &absolutePath);
 
 } // namespace platform

@@ -10,8 +10,8 @@ class QSettings;
 /// The store behind the default QSettings of the application: the host's organisation and
 /// application names and default format say where it lies.
 ///
-/// Main thread only. Environment makes and owns the one of the core. Nothing is reported: a store
-/// that can't be written keeps its values in memory.
+/// An object is for one thread; all show the same values. Environment owns that of the main thread.
+/// Nothing is reported: a store that can't be written keeps its values in memory.
 class RIVETCORE_EXPORT MCSettings : public IMCSettings
 {
 public:

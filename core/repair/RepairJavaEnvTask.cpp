@@ -1,13 +1,15 @@
 #include "core/repair/RepairJavaEnvTask.h"
 
+#include <algorithm>
+
 #include <QDir>
-#include <QDirIterator>
 #include <QFileInfo>
 #include <QtConcurrent>
 
 #include "core/foundation/FSH.h"
 #include "core/foundation/MCSettings.h"
 #include "core/repair/RandomWait.h"
+#include "platform/FileEntry.h"
 #include "platform/FileUse.h"
 #include "support/coresupport/CCommonFunction.h"
 #include "support/coresupport/DirectoryNames.h"
@@ -25,29 +27,29 @@ QFileInfo configuredJava()
     return QFileInfo(MCSettings().value(javaPathKey, {}).toString());
 }
 
-/// True if a process runs a Java below @p folder, whatever the settings name.
-bool isAnyJavaRunningFrom(const QString &folder)
+/// True if a process runs a Java below @p folder, whatever the settings name. A link or a junction
+/// there leads to a Java of somebody else, which the removal does not touch.
+bool isAnyJavaRunningFrom(const platform::NativePath &folder)
 {
     static const QStringList programs{QStringLiteral("java"), QStringLiteral("java.exe"),
                                       QStringLiteral("javaw"), QStringLiteral("javaw.exe")};
-    // A link there leads to a Java of somebody else, which the removal does not touch.
-    QDirIterator it(folder, programs, QDir::Files | QDir::Hidden | QDir::NoSymLinks,
-                    QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        if (platform::fileUse(it.next()) == platform::FileUse::Held)
-            return true;
-    }
-    return false;
+    const auto entries = platform::listFolder(folder).entries;
+    return std::any_of(entries.begin(), entries.end(), [](const platform::NativePath &entry) {
+        const platform::EntryKind kind = platform::entryKind(entry);
+        if (kind == platform::EntryKind::Directory)
+            return isAnyJavaRunningFrom(entry);
+        const QString path = platform::fromNative(entry);
+        return kind == platform::EntryKind::File &&
+               programs.contains(QFileInfo(path).fileName(), Qt::CaseInsensitive) &&
+               platform::fileUse(path) == platform::FileUse::Held;
+    });
 }
 
 } // namespace
 
 RepairJavaEnvTask::RepairJavaEnvTask(QObject *parent) : TaskAbstract(parent)
 {
-    connect(&m_removal, &QFutureWatcherBase::finished, this, [this] {
-        m_isHeld = !m_removal.result();
-        endRun();
-    });
+    connect(&m_repair, &QFutureWatcherBase::finished, this, [this] { endRun(m_repair.result()); });
 }
 
 RepairJavaEnvTask::~RepairJavaEnvTask() = default;
@@ -56,13 +58,12 @@ void RepairJavaEnvTask::onTaskRun()
 {
     setTaskBrief(tr("Start repair java evn configured"));
     setStatus(tr("repair java evn configured..."));
-    m_isHeld = false;
     const QString folder = folderToRemove();
     // A runtime has hundreds of files, and one that is held is tried again for two seconds.
     if (!folder.isEmpty())
-        m_removal.setFuture(QtConcurrent::run(&RepairJavaEnvTask::removeDeployedJava, folder));
+        m_repair.setFuture(QtConcurrent::run(&RepairJavaEnvTask::repairJavaEnv, folder));
     else
-        endRun();
+        endRun(repairJavaEnv(folder));
 }
 
 QString RepairJavaEnvTask::folderToRemove()
@@ -77,9 +78,19 @@ QString RepairJavaEnvTask::folderToRemove()
     return !gameData.isEmpty() && QFileInfo(folder).isDir() ? folder : QString();
 }
 
+bool RepairJavaEnvTask::repairJavaEnv(const QString &folder)
+{
+    const bool isFree = folder.isEmpty() || removeDeployedJava(folder);
+    MCSettings settings;
+    settings.setValue(javaPathKey, QStringLiteral("default"));
+    settings.setValue(QStringLiteral("JavaParam"), CCommonFunction::GetDefaultJVMParam(true));
+    return isFree;
+}
+
 bool RepairJavaEnvTask::removeDeployedJava(const QString &folder)
 {
-    return !isJavaFileOccupied() && !isAnyJavaRunningFrom(folder) && FS::removeTree(folder);
+    return !isJavaFileOccupied() && !isAnyJavaRunningFrom(platform::toNative(folder)) &&
+           FS::removeTree(folder);
 }
 
 bool RepairJavaEnvTask::isJavaFileOccupied()
@@ -97,23 +108,14 @@ bool RepairJavaEnvTask::isJavaFileOccupied()
     return use == platform::FileUse::Held;
 }
 
-void RepairJavaEnvTask::endRun()
+void RepairJavaEnvTask::endRun(bool isRepaired)
 {
-    if (repairJavaEnv()) {
+    if (isRepaired) {
         RandomWait::callAfter(this, [this] { emitSucceeded(); });
         return;
     }
+    setStatus(tr("Java evn repair Failed, check is there some related process is running?"));
     const QString reason = tr("repair java env configured failed");
     Log::critical(reason);
     emitFailed(reason);
-}
-
-bool RepairJavaEnvTask::repairJavaEnv()
-{
-    if (m_isHeld)
-        setStatus(tr("Java evn repair Failed, check is there some related process is running?"));
-    MCSettings settings;
-    settings.setValue(javaPathKey, QStringLiteral("default"));
-    settings.setValue(QStringLiteral("JavaParam"), CCommonFunction::GetDefaultJVMParam(true));
-    return !m_isHeld;
 }

@@ -9,10 +9,10 @@
 /// A repair step that puts the settings "JavaPath" and "JavaParam" back, so that Java is deployed
 /// anew, and removes the deployed Java unless "JavaPath" names a javaw.exe that is there.
 ///
-/// Main thread only. The removal runs on the global thread pool and goes on to its end if the task
-/// is deleted before. Fails if a running process holds the deployed Java, of which nothing is
-/// removed then, or if it can't be removed as a whole; the settings are put back all the same.
-/// Otherwise succeeds after a short wait.
+/// Main thread only. With something to remove, the work runs on the global thread pool and goes on
+/// to its end, the settings included, if the task is deleted before. Fails if a running process
+/// holds the deployed Java, of which nothing is removed then, or if it can't be removed as a whole;
+/// the settings are put back all the same. Otherwise succeeds after a short wait.
 class RIVETCORE_EXPORT RepairJavaEnvTask : public TaskAbstract
 {
     Q_OBJECT
@@ -26,14 +26,13 @@ protected:
 private:
     /// The directory of the deployed Java; empty if there is none or it has to stay.
     static QString folderToRemove();
-    /// False if somebody holds what is in @p folder. Blocks; any thread.
+    /// Removes @p folder, if any, and puts the settings back. False if somebody holds what is in
+    /// the folder. Blocks; any thread.
+    static bool repairJavaEnv(const QString &folder);
     static bool removeDeployedJava(const QString &folder);
     static bool isJavaFileOccupied();
 
-    void endRun();
-    /// Puts the settings back once the deployed Java has been seen to; false if it is held.
-    bool repairJavaEnv();
+    void endRun(bool isRepaired);
 
-    QFutureWatcher<bool> m_removal; ///< of removeDeployedJava()
-    bool m_isHeld = false;
+    QFutureWatcher<bool> m_repair; ///< of repairJavaEnv()
 };
