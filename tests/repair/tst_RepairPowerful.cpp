@@ -40,7 +40,9 @@ private Q_SLOTS:
             {"d", "d/big/7 d/a", "d/big>d/resources/skins", "d/big d/big/7 d/resources/skins", ""},
             {"two", "two/st/7 two/a", "two/st>two/resources", "two two/resources two/st two/st/7",
              ""},
-            {"t/in", "t/in/a", "t>t/in/resources", "t t/in t/in/a t/in/resources", held},
+            {"t/in/d", "t/in/d/a", "t>t/in/d/resources", "t t/in t/in/d t/in/d/a t/in/d/resources",
+             held},
+            {"d", "d/a", "d>d/resources/skins", "d/a d/resources/skins", held},
         };
         for (const auto &row : rows) {
             if (isWine() && !row.link.isEmpty())
