@@ -171,7 +171,7 @@ bool isSameEntry(const NativePath &a, const NativePath &b)
 QString realPath(const QString &path)
 {
     const Handle entry = openToLook(toNative(QDir().absoluteFilePath(path)), 0);
-    std::wstring real(32'768, L'\0'); // the longest path of the system
+    std::wstring real(32768, L'\0'); // the longest path of the system
     const DWORD length =
         entry.isValid() ? GetFinalPathNameByHandleW(entry.get(), real.data(), DWORD(real.size()), 0)
                         : 0;
