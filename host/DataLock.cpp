@@ -22,17 +22,17 @@ QString lockFile(const QString &name)
 
 const QString repairName = QStringLiteral("repair.lock");
 
-bool isRepairRunning()
+/// Others hold a file for a moment while they look whether somebody has it.
+std::unique_ptr<FileLock> takeSoon(const QString &name)
 {
-    // Another launch holds the file while it looks.
-    constexpr int mostLooks = 10;
+    constexpr int mostTries = 10;
     constexpr unsigned long pauseMs = 20;
-    for (int looks = 0; looks < mostLooks; ++looks) {
-        if (FileLock::tryTake(lockFile(repairName)))
-            return false;
+    for (int tries = 0; tries < mostTries; ++tries) {
+        if (auto lock = FileLock::tryTake(lockFile(name)))
+            return lock;
         QThread::msleep(pauseMs);
     }
-    return true;
+    return nullptr;
 }
 
 } // namespace
@@ -42,9 +42,9 @@ bool isRepairRunning()
 std::optional<DataLock> DataLock::forLaunch()
 {
     const QString name = QStringLiteral("launch-%1.lock").arg(QCoreApplication::applicationPid());
-    auto own = FileLock::tryTake(lockFile(name));
+    auto own = takeSoon(name);
     // Without any lock, as on some network drives, the user plays all the same.
-    if (own && isRepairRunning())
+    if (own && !takeSoon(repairName))
         return std::nullopt;
     return DataLock(std::move(own));
 }

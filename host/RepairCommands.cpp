@@ -49,7 +49,8 @@ std::optional<ExitCode> refusal(Host &host, const Wishes &wishes, const QString 
         host.output().error(Text::tr("there is no terminal to ask at: give --yes or --dry-run"));
         return ExitUsage;
     }
-    if (answer->trimmed().compare(QLatin1String("y"), Qt::CaseInsensitive) == 0)
+    const QString word = answer->trimmed().toLower();
+    if (word == QLatin1String("y") || word == QLatin1String("yes"))
         return std::nullopt;
     host.output().error(Text::tr("cancelled"));
     return ExitCancelled;

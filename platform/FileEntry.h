@@ -69,6 +69,10 @@ RIVETPLATFORM_EXPORT void openForRemoval(const NativePath &path);
 /// True if both paths lead, through whatever links and spellings, to one existing entry.
 RIVETPLATFORM_EXPORT bool isSameEntry(const NativePath &a, const NativePath &b);
 
+/// Where @p path really lies, past links, junctions, mapped drives and spellings of names; as it is
+/// if there is nothing.
+RIVETPLATFORM_EXPORT QString realPath(const QString &path);
+
 /// True for the root of a file system or of a network share, and for forms that name no entry of
 /// a file system at all, such as a device or a drive's current folder.
 RIVETPLATFORM_EXPORT bool isRootOrDevice(const QString &path);

@@ -61,7 +61,7 @@ QString below(const QString &dir, const QString &name)
 /// @p above holds the real paths of the directories that the walk stands in.
 void appendEntries(QStringList &list, const QString &dir, const QStringList &above)
 {
-    const QString realPath = QFileInfo(dir).canonicalFilePath();
+    const QString realPath = platform::realPath(dir);
     if (above.contains(realPath))
         return;
     const QFileInfoList entries = QDir(dir).entryInfoList(allEntries, QDir::Unsorted);

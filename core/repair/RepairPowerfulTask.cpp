@@ -11,6 +11,7 @@
 #include "core/deploy/DeployGameResRecorder.h"
 #include "core/deploy/DeployResRecorder.h"
 #include "core/foundation/FSH.h"
+#include "platform/FileEntry.h"
 #include "support/jsonfskit/FS.h"
 #include "support/jsonfskit/Log.h"
 
@@ -47,11 +48,9 @@ class RunningRepairs : public QFutureSynchronizer<bool>
 {
 };
 
-/// The folder itself, where a link leads to it; as it is if there is none.
-QString realPath(const QString &path)
+bool isSame(const QString &folder, const QString &path)
 {
-    const QString real = QFileInfo(path).canonicalFilePath();
-    return real.isEmpty() ? path : real;
+    return platform::isSameEntry(platform::toNative(folder), platform::toNative(path));
 }
 
 bool isBelow(const QString &folder, const QString &path)
@@ -64,35 +63,38 @@ bool isBelow(const QString &folder, const QString &path)
 /// @p folder, and those in it, where they really lie: each of them may be a link to elsewhere.
 QStringList realFolders(const QString &folder)
 {
-    QStringList folders{realPath(folder)};
+    QStringList folders{platform::realPath(folder)};
     const QFileInfoList entries = QDir(folder).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot);
     for (const QFileInfo &entry : entries)
-        folders << realPath(entry.absoluteFilePath());
+        folders << platform::realPath(entry.absoluteFilePath());
     return folders;
 }
 
 FS::RemovalResult refuse(const QString &gameData)
 {
-    Log::critical(QLatin1String("the game data directory is not for game data alone: ") % gameData);
-    return {gameData};
+    Log::critical(QLatin1String("the game data directory is missing or not for game data alone: ") %
+                  gameData);
+    return {gameData.isNull() ? QStringLiteral("") : gameData}; // null would tell of a success
 }
 
 /// Leaves what lies in @p own, folders that are not the player's. Each path may be empty.
 FS::RemovalResult clearGameData(const QString &gameData, const QString &downloads,
                                 const QStringList &own)
 {
+    if (gameData.isEmpty())
+        return refuse(gameData);
     // The player may have moved his game data to another drive and left a link.
-    const QString folder = realPath(gameData);
+    const QString folder = platform::realPath(gameData);
     QStringList kept{QDir(gameData).relativeFilePath(downloads)};
     const QStringList stores = realFolders(downloads);
     for (const QString &store : stores) {
-        if (store == folder || isBelow(store, folder))
+        if (isSame(store, folder) || isBelow(store, folder))
             return refuse(gameData);
         kept << store;
     }
     for (const QString &path : own) {
-        const QString real = realPath(path);
-        if (real == folder)
+        const QString real = platform::realPath(path);
+        if (isSame(real, folder))
             return refuse(gameData);
         // What lies above the game data does not keep them.
         if (isBelow(folder, real))

@@ -1,5 +1,6 @@
 #include "platform/Terminal.h"
 
+#include <array>
 #include <atomic>
 #include <csignal>
 #include <cstdio>
@@ -13,6 +14,8 @@
 namespace platform::Terminal {
 
 namespace {
+
+constexpr std::array<int, 3> endSignals = {SIGINT, SIGTERM, SIGHUP};
 
 std::atomic<void (*)()> endHandler{nullptr};
 volatile std::sig_atomic_t endedBy = 0;
@@ -37,21 +40,20 @@ public:
         endedBy = 0;
         struct sigaction action = {};
         action.sa_handler = &onEndAsked; // without SA_RESTART
-        sigaction(SIGINT, &action, &m_interrupt);
-        sigaction(SIGTERM, &action, &m_end);
+        for (std::size_t i = 0; i < endSignals.size(); ++i)
+            sigaction(endSignals[i], &action, &m_before[i]);
     }
     ~LateInterrupts()
     {
-        sigaction(SIGINT, &m_interrupt, nullptr);
-        sigaction(SIGTERM, &m_end, nullptr);
+        for (std::size_t i = 0; i < endSignals.size(); ++i)
+            sigaction(endSignals[i], &m_before[i], nullptr);
         if (endedBy != 0)
             std::raise(endedBy);
     }
     Q_DISABLE_COPY_MOVE(LateInterrupts)
 
 private:
-    struct sigaction m_interrupt = {};
-    struct sigaction m_end = {};
+    std::array<struct sigaction, endSignals.size()> m_before = {};
 };
 
 enum class Typing {
@@ -90,7 +92,7 @@ void prepare() {}
 void watchEnd(void (*handler)())
 {
     endHandler = handler;
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+    for (const int signal : endSignals)
         std::signal(signal, &onEnd);
 }
 

@@ -167,6 +167,20 @@ bool isSameEntry(const NativePath &a, const NativePath &b)
            one.nFileIndexHigh == other.nFileIndexHigh && one.nFileIndexLow == other.nFileIndexLow;
 }
 
+// QFileInfo::canonicalFilePath() leaves junctions and the case of names as they are.
+QString realPath(const QString &path)
+{
+    const Handle entry = openToLook(toNative(QDir().absoluteFilePath(path)), 0);
+    std::wstring real(32768, L'\0'); // the longest path of the system
+    const DWORD length =
+        entry.isValid() ? GetFinalPathNameByHandleW(entry.get(), real.data(), DWORD(real.size()), 0)
+                        : 0;
+    if (length == 0 || length >= real.size())
+        return path;
+    real.resize(length);
+    return fromNative(real);
+}
+
 bool isRootOrDevice(const QString &path)
 {
     // "C:", "C:/" and "C:name"; "/"; "//server", "//server/share"; "//./..." and "//?/...".

@@ -30,6 +30,8 @@ private Q_SLOTS:
             {"d", "d/held d/z/a", "", isWindows ? "d/held" : "", isWindows ? held : ""},
             {"home", "home/bob/a", "", "home home/bob home/bob/a", held},
             {QCoreApplication::applicationDirPath(), "", "", "", held},
+            {isWindows ? "ORIEL/RIVET" : "oriel/rivet", "", "", "", held},
+            {"d/x/none", "d/x", "", "d/x", held}, // there can be no such folder
             {"d", "oriel/rivet/deploy.cache/x d/a", "",
              "oriel/rivet/deploy.cache oriel/rivet/deploy.cache/x", records},
             {"d", "out/x", "out>d/game", "out out/x", ""},
@@ -38,7 +40,9 @@ private Q_SLOTS:
             {"d", "d/big/7 d/a", "d/big>d/resources/skins", "d/big d/big/7 d/resources/skins", ""},
             {"two", "two/st/7 two/a", "two/st>two/resources", "two two/resources two/st two/st/7",
              ""},
-            {"t/in", "t/in/a", "t>t/in/resources", "t t/in t/in/a t/in/resources", held},
+            {"t/in/d", "t/in/d/a", "t>t/in/d/resources", "t t/in t/in/d t/in/d/a t/in/d/resources",
+             held},
+            {"d", "d/a", "d>d/resources/skins", "d/a d/resources/skins", held},
         };
         for (const auto &row : rows) {
             if (isWine() && !row.link.isEmpty())
@@ -72,10 +76,11 @@ private Q_SLOTS:
             QVERIFY(await([&] { return task.isFinished(); }));
             const QString story = journal.story().remove(QRegularExpression(" removed: [^,]*"));
             const QString why = "powerful repair failed";
-            const QString end = row.complaint.isEmpty() ? "finished 1 "
-                                                        : "status " + row.complaint +
-                                                              ", status It can not be, failed " +
-                                                              why + ", finished 0 " + why;
+            const QString what = row.dataPath == "d/x/none" ? "" : ", status It can not be";
+            const QString end =
+                row.complaint.isEmpty()
+                    ? "finished 1 "
+                    : "status " + row.complaint + what + ", failed " + why + ", finished 0 " + why;
             QCOMPARE(story, "brief Start powerful repair, status powerful repair..., " + end);
             QStringList expected = row.left.split(' ', Qt::SkipEmptyParts);
             expected += {"oriel", "oriel/rivet", "oriel/rivet/users"};
