@@ -1,7 +1,5 @@
 #include <algorithm>
 
-#include <QNetworkReply>
-
 #include "core/config/GameResConfig.h"
 #include "core/resources/GameClientListInfo.h"
 #include "core/resources/JavaListInfo.h"
@@ -18,11 +16,8 @@ namespace {
 template <typename List>
 bool fetch(Host &host, List &list)
 {
-    bool isDone = list.isListUpdated();
-    QObject context;
-    QObject::connect(&list, &List::updateListFinished, &context, [&isDone] { isDone = true; });
-    list.updateList();
-    runUntil([&isDone] { return isDone; });
+    if (!list.isListUpdated())
+        runUntilSignal(list, &List::updateListFinished, [&list] { list.updateList(); });
     if (!list.isListUpdated())
         host.output().error(Text::tr("the list can not be had"));
     return list.isListUpdated();
@@ -109,7 +104,7 @@ int resources(Host &host, const QStringList &arguments)
     const Change change = changeNamed(action);
     const quint64 key = ResourceWords::keyIn(arguments.mid(2));
     if (!change || key == 0)
-        return ResourceWords::complain(host);
+        return Commands::wrongUsage(host.output());
     (GameResConfig::GetInstance()->*change)(instance->id, {key}, true);
     return ExitGood;
 }
