@@ -36,6 +36,18 @@ QStringList recordHead()
     return {Text::tr("id"), Text::tr("name"), Text::tr("ver"), Text::tr("description")};
 }
 
+template <typename List, typename Records>
+int showList(Host &host, List &list, Records records)
+{
+    if (!fetch(host, list))
+        return ExitFailed;
+    QList<QStringList> rows;
+    for (const QJsonObject &record : (list.*records)())
+        rows << rowOf(record);
+    host.output().table(recordHead(), rows);
+    return ExitGood;
+}
+
 using Change = void (GameResConfig::*)(unsigned int, const QSet<quint64> &, bool);
 
 Change changeNamed(const QString &action)
@@ -51,26 +63,12 @@ namespace Commands {
 
 int clients(Host &host, const QStringList &)
 {
-    auto *list = GameClientListInfo::GetInstance();
-    if (!fetch(host, *list))
-        return ExitFailed;
-    QList<QStringList> rows;
-    for (const QJsonObject &client : list->gameClients())
-        rows << rowOf(client);
-    host.output().table(recordHead(), rows);
-    return ExitGood;
+    return showList(host, *GameClientListInfo::GetInstance(), &GameClientListInfo::gameClients);
 }
 
 int java(Host &host, const QStringList &)
 {
-    auto *list = JavaListInfo::GetInstance();
-    if (!fetch(host, *list))
-        return ExitFailed;
-    QList<QStringList> rows;
-    for (const QJsonObject &runtime : list->javas())
-        rows << rowOf(runtime);
-    host.output().table(recordHead(), rows);
-    return ExitGood;
+    return showList(host, *JavaListInfo::GetInstance(), &JavaListInfo::javas);
 }
 
 int instances(Host &host, const QStringList &)
