@@ -75,7 +75,7 @@ run_contest() {
 
 # need_packages <package>...: installs those that are missing; the output is for the table.
 need_packages() {
-    scripts/setup "$@" >&2
+    "${BASH_SOURCE[0]%/*}/../scripts/setup" "$@" >&2
 }
 
 # nginx_on <port> <locations>: succeeds when it listens there.
