@@ -13,8 +13,6 @@ public:
 
     explicit Output(Form form);
 
-    Form form() const { return m_form; }
-
     /// A result: @p text for people, @p object for programs.
     void line(const QString &text, const QJsonObject &object) const;
     /// A table with a head; as JSON one object for each row, with the head's words as keys.
