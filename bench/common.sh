@@ -73,28 +73,9 @@ run_contest() {
     contenders=()
 }
 
-# need_packages <package>...: installs those that are missing, without starting their services.
+# need_packages <package>...: installs those that are missing; the output is for the table.
 need_packages() {
-    local package status missing=() as_root=() policy
-    for package; do
-        status=$(dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null || true)
-        [ "$status" = installed ] || missing+=("$package")
-    done
-    [ ${#missing[@]} -gt 0 ] || return 0
-    [ "$(id -u)" -eq 0 ] || as_root=(sudo)
-    echo "bench: installing ${missing[*]}" >&2
-    # The name of this file is what dpkg's service helper asks; an existing answer stays.
-    policy=/usr/sbin/policy-rc.d
-    if [ -e "$policy" ]; then
-        policy=
-    else
-        printf '#!/bin/sh\nexit 101\n' | "${as_root[@]}" tee "$policy" >/dev/null
-        "${as_root[@]}" chmod 755 "$policy"
-    fi
-    "${as_root[@]}" apt-get update --quiet=2
-    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
-        apt-get install --quiet=2 --yes --no-install-recommends "${missing[@]}" </dev/null
-    [ -z "$policy" ] || "${as_root[@]}" rm "$policy"
+    "${BASH_SOURCE[0]%/*}/../scripts/setup" "$@" >&2
 }
 
 # nginx_on <port> <locations>: succeeds when it listens there.

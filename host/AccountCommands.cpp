@@ -1,7 +1,6 @@
+#include <iostream>
 #include <optional>
 #include <string>
-
-#include <iostream>
 
 #include <QCoreApplication>
 #include <QDateTime>

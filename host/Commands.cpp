@@ -26,11 +26,9 @@ constexpr Command table[] = {
     {"instances", "", QT_TRANSLATE_NOOP("host", "the instances of the user who is logged in"), 0, 0,
      &Commands::instances},
     {"resources",
-     "INSTANCE [list | add TYPE ID | remove TYPE ID | ignore TYPE ID | "
-     "unignore TYPE ID]",
+     "INSTANCE [list | add TYPE ID | remove TYPE ID | ignore TYPE ID | unignore TYPE ID]",
      QT_TRANSLATE_NOOP("host", "the resources of an instance; add and remove are the user's own, "
-                               "ignore switches a default "
-                               "off"),
+                               "ignore switches a default off"),
      1, 4, &Commands::resources},
     {"servers", "", QT_TRANSLATE_NOOP("host", "the public servers, with their players"), 0, 0,
      &Commands::servers},
@@ -96,6 +94,12 @@ const Command *byName(const QString &name)
     while (command->name && name != QLatin1String(command->name))
         ++command;
     return command->name ? command : nullptr;
+}
+
+int wrongUsage(const Output &output)
+{
+    output.error(Text::tr("see rivet --help"));
+    return ExitUsage;
 }
 
 int settings(Host &host, const QStringList &arguments)

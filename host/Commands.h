@@ -4,6 +4,7 @@
 #include <QStringList>
 
 class Host;
+class Output;
 
 /// How the command ends.
 enum ExitCode {
@@ -30,6 +31,9 @@ namespace Commands {
 /// Ends with an entry whose name is null.
 const Command *all();
 const Command *byName(const QString &name);
+
+/// Says that the usage is wrong; the exit code for that.
+int wrongUsage(const Output &output);
 
 // Accounts
 int logIn(Host &host, const QStringList &arguments);

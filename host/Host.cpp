@@ -140,10 +140,5 @@ void Host::updateInstances()
     if (RivetLoginHost::GetInstance()->status() != RivetLoginHost::LoginStatusLoggedIn)
         return;
     MyMcGameInstMgr *list = MyMcGameInstMgr::GetInstance();
-    QObject context;
-    bool isDone = false;
-    QObject::connect(list, &MyMcGameInstMgr::updateFinished, &context,
-                     [&isDone] { isDone = true; });
-    list->updateList();
-    runUntil([&isDone] { return isDone; });
+    runUntilSignal(*list, &MyMcGameInstMgr::updateFinished, [list] { list->updateList(); });
 }

@@ -56,3 +56,14 @@ enum class OnInterrupt {
 };
 /// Runs the event loop until @p isDone() says true, asked every few milliseconds.
 void runUntil(const std::function<bool()> &isDone, OnInterrupt onInterrupt = OnInterrupt::Throw);
+
+/// Calls @p start and runs the event loop until @p object has sent @p signal.
+template <typename Object, typename Signal, typename Start>
+void runUntilSignal(Object &object, Signal signal, const Start &start)
+{
+    bool isSent = false;
+    QObject context;
+    QObject::connect(&object, signal, &context, [&isSent] { isSent = true; });
+    start();
+    runUntil([&isSent] { return isSent; });
+}

@@ -1,6 +1,7 @@
 #include <cstdlib>
+#include <memory>
+#include <optional>
 
-#include <QDir>
 #include <QFile>
 #include <QTimer>
 
@@ -147,8 +148,7 @@ int Commands::launch(Host &host, const QStringList &arguments)
 {
     const auto lock = DataLock::forLaunch();
     if (!lock) {
-        host.output().error(
-            QCoreApplication::translate("host", "a repair is under way, try again after it"));
+        host.output().error(Text::tr("a repair is under way, try again after it"));
         return ExitFailed;
     }
     if (host.logInRememberedUser() == Host::LoginOutcome::Refused)

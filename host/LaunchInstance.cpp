@@ -23,8 +23,13 @@ namespace {
 constexpr unsigned int authenticationTimeoutMs = 15000;
 
 /// The shares of the steps in the progress bar; the downloads take the time.
-enum Weight : quint16 { JavaWeight = 20, ClientWeight = 40, OtherWeight = 30, LineWeight = 1 };
-constexpr quint16 gameWeight = 9;
+enum Weight : quint16 {
+    JavaWeight = 20,
+    ClientWeight = 40,
+    OtherWeight = 30,
+    LineWeight = 1,
+    GameWeight = 9,
+};
 
 QJsonArray arrayIn(const QJsonObject &object, const char *key)
 {
@@ -169,7 +174,7 @@ void LaunchInstance::buildChain()
     m_chain->AppendLanuchTask(
         std::make_shared<ReadyForOtherRes>(m_info, self, &m_resources, nullptr), OtherWeight);
     m_chain->AppendLanuchTask(lines, LineWeight);
-    m_chain->AppendLanuchTask(m_clientStep, gameWeight);
+    m_chain->AppendLanuchTask(m_clientStep, GameWeight);
 }
 
 void LaunchInstance::runChain()

@@ -2,8 +2,7 @@
 
 #include <memory>
 
-#include <QPointer>
-#include <QTimer>
+#include <QJsonObject>
 
 #include "core/accounts/OrMCAuthenticateTask.h"
 #include "core/launch/GameLaunchBase.h"

@@ -1,7 +1,5 @@
 #include <algorithm>
 
-#include <QNetworkReply>
-
 #include "core/config/GameResConfig.h"
 #include "core/resources/GameClientListInfo.h"
 #include "core/resources/JavaListInfo.h"
@@ -18,11 +16,8 @@ namespace {
 template <typename List>
 bool fetch(Host &host, List &list)
 {
-    bool isDone = list.isListUpdated();
-    QObject context;
-    QObject::connect(&list, &List::updateListFinished, &context, [&isDone] { isDone = true; });
-    list.updateList();
-    runUntil([&isDone] { return isDone; });
+    if (!list.isListUpdated())
+        runUntilSignal(list, &List::updateListFinished, [&list] { list.updateList(); });
     if (!list.isListUpdated())
         host.output().error(Text::tr("the list can not be had"));
     return list.isListUpdated();
@@ -41,6 +36,18 @@ QStringList recordHead()
     return {Text::tr("id"), Text::tr("name"), Text::tr("ver"), Text::tr("description")};
 }
 
+template <typename List, typename Records>
+int showList(Host &host, List &list, Records records)
+{
+    if (!fetch(host, list))
+        return ExitFailed;
+    QList<QStringList> rows;
+    for (const QJsonObject &record : (list.*records)())
+        rows << rowOf(record);
+    host.output().table(recordHead(), rows);
+    return ExitGood;
+}
+
 using Change = void (GameResConfig::*)(unsigned int, const QSet<quint64> &, bool);
 
 Change changeNamed(const QString &action)
@@ -56,26 +63,12 @@ namespace Commands {
 
 int clients(Host &host, const QStringList &)
 {
-    auto *list = GameClientListInfo::GetInstance();
-    if (!fetch(host, *list))
-        return ExitFailed;
-    QList<QStringList> rows;
-    for (const QJsonObject &client : list->gameClients())
-        rows << rowOf(client);
-    host.output().table(recordHead(), rows);
-    return ExitGood;
+    return showList(host, *GameClientListInfo::GetInstance(), &GameClientListInfo::gameClients);
 }
 
 int java(Host &host, const QStringList &)
 {
-    auto *list = JavaListInfo::GetInstance();
-    if (!fetch(host, *list))
-        return ExitFailed;
-    QList<QStringList> rows;
-    for (const QJsonObject &runtime : list->javas())
-        rows << rowOf(runtime);
-    host.output().table(recordHead(), rows);
-    return ExitGood;
+    return showList(host, *JavaListInfo::GetInstance(), &JavaListInfo::javas);
 }
 
 int instances(Host &host, const QStringList &)
@@ -109,7 +102,7 @@ int resources(Host &host, const QStringList &arguments)
     const Change change = changeNamed(action);
     const quint64 key = ResourceWords::keyIn(arguments.mid(2));
     if (!change || key == 0)
-        return ResourceWords::complain(host);
+        return Commands::wrongUsage(host.output());
     (GameResConfig::GetInstance()->*change)(instance->id, {key}, true);
     return ExitGood;
 }

@@ -6,6 +6,7 @@
 #include <QLocale>
 #include <QRegularExpression>
 
+#include "host/Columns.h"
 #include "host/Text.h"
 #include "platform/Terminal.h"
 
@@ -45,38 +46,6 @@ QString timeText(quint64 seconds)
                         : Text::tr("%1 min %2 s").arg(seconds / 60).arg(seconds % 60);
 }
 
-/// How many columns of a terminal a character takes: two for those of East Asian scripts.
-int columnsOf(QChar character)
-{
-    const ushort code = character.unicode();
-    const bool isWide = (code >= 0x1100 && code <= 0x115F) || (code >= 0x2E80 && code <= 0xA4CF) ||
-                        (code >= 0xAC00 && code <= 0xD7A3) || (code >= 0xF900 && code <= 0xFAFF) ||
-                        (code >= 0xFE30 && code <= 0xFE6F) || (code >= 0xFF00 && code <= 0xFF60) ||
-                        (code >= 0xFFE0 && code <= 0xFFE6);
-    return isWide ? 2 : 1;
-}
-
-int columnsOf(const QString &text)
-{
-    int columns = 0;
-    for (const QChar character : text)
-        columns += columnsOf(character);
-    return columns;
-}
-
-QString filledUp(const QString &text, int columns)
-{
-    return text % QString(qMax(0, columns - columnsOf(text)), QLatin1Char(' '));
-}
-
-QString cutOff(const QString &text, int columns)
-{
-    int length = 0;
-    while (length < text.size() && columnsOf(text[length]) <= columns)
-        columns -= columnsOf(text[length++]);
-    return text.left(length);
-}
-
 } // namespace
 
 Output::Output(Form form)
@@ -96,18 +65,16 @@ void Output::table(const QStringList &head, const QList<QStringList> &rows) cons
 {
     QList<int> widths;
     for (int column = 0; column < head.size(); ++column) {
-        int width = columnsOf(head[column]);
+        int width = Columns::of(head[column]);
         for (const QStringList &row : rows)
-            width = qMax(width, columnsOf(row.value(column)));
+            width = qMax(width, Columns::of(row.value(column)));
         widths << width;
     }
     const auto printRow = [&](const QStringList &row) {
         QString text;
         for (int column = 0; column < head.size(); ++column)
-            text += filledUp(row.value(column), widths[column] + 2);
-        while (text.endsWith(QLatin1Char(' ')))
-            text.chop(1);
-        print(text % QLatin1Char('\n'));
+            text += Columns::filledUp(row.value(column), widths[column] + 2);
+        print(Columns::withoutEnd(text) % QLatin1Char('\n'));
     };
     if (m_form == Form::Text)
         printRow(head);
@@ -212,8 +179,8 @@ void Output::redraw()
         QString(filled, QLatin1Char('#')) % QString(barWidth - filled, QLatin1Char('.'));
     const QString head = QStringLiteral("[%1] %2 %  ").arg(bar).arg(qMax(m_percent, 0), 3);
     const QString figures = QLatin1String("  ") % transferText(m_transfer);
-    const int room = qMax(0, width - columnsOf(head) - columnsOf(figures));
-    const QString text = head % cutOff(m_stage, room) % figures;
-    print(QLatin1Char('\r') % filledUp(cutOff(text, width), width));
+    const int room = qMax(0, width - Columns::of(head) - Columns::of(figures));
+    const QString text = head % Columns::cutOff(m_stage, room) % figures;
+    print(QLatin1Char('\r') % Columns::filledUp(Columns::cutOff(text, width), width));
     m_isLineOpen = true;
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QElapsedTimer>
 #include <QJsonObject>
 #include <QString>
 #include <QStringList>
@@ -13,8 +12,6 @@ public:
     enum class Form { Text, Json };
 
     explicit Output(Form form);
-
-    Form form() const { return m_form; }
 
     /// A result: @p text for people, @p object for programs.
     void line(const QString &text, const QJsonObject &object) const;

@@ -20,7 +20,6 @@
 #include "host/DataLock.h"
 #include "host/Host.h"
 #include "host/Interrupts.h"
-#include "host/ResourceWords.h"
 #include "host/Text.h"
 #include "platform/Terminal.h"
 #include "support/coresupport/DirectoryNames.h"
@@ -318,5 +317,5 @@ int Commands::repair(Host &host, const QStringList &arguments)
             return kind.changesData && !wishes.isDryRun ? runAlone(host, kind, wishes)
                                                         : kind.run(host, wishes);
     }
-    return ResourceWords::complain(host);
+    return Commands::wrongUsage(host.output());
 }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "host/Commands.h"
 #include "host/Host.h"
 #include "host/Text.h"
 
@@ -27,12 +26,6 @@ quint64 ResourceWords::keyIn(const QStringList &typeAndId)
                                         ResTypeOther, ResTypeShaders};
     const bool isKnown = std::find(std::begin(types), std::end(types), type) != std::end(types);
     return !isKnown || id == 0 ? 0 : ResourceKey::pack(id, static_cast<ResType>(type));
-}
-
-int ResourceWords::complain(Host &host)
-{
-    host.output().error(Text::tr("see rivet --help"));
-    return ExitUsage;
 }
 
 void ResourceWords::list(Host &host, const QSet<quint64> &defaults, const QSet<quint64> &ignored,

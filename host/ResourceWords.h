@@ -25,9 +25,6 @@ Change choose(const QString &action, Change add, Change remove, Change ignore, C
 /// The key of the resource that TYPE and ID name; 0 if they do not.
 quint64 keyIn(const QStringList &typeAndId);
 
-/// Says that the usage is wrong; the exit code for that.
-int complain(Host &host);
-
 /// Shows a table of resource keys, with the names of those that lie on disk.
 void list(Host &host, const QSet<quint64> &defaults, const QSet<quint64> &ignored,
           const QSet<quint64> &own);

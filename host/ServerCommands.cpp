@@ -101,11 +101,8 @@ namespace Commands {
 int servers(Host &host, const QStringList &)
 {
     OnlineSrvInfoReq request;
-    bool isDone = false;
-    QObject::connect(&request, &OnlineSrvInfoReq::requestFinished, &request,
-                     [&isDone] { isDone = true; });
-    request.startRequest();
-    runUntil([&isDone] { return isDone; });
+    runUntilSignal(request, &OnlineSrvInfoReq::requestFinished,
+                   [&request] { request.startRequest(); });
     QList<Ping> pings;
     for (const tagOnlineSrvInfo &server : request.getOnlineSrvInfoList())
         pings << Ping{server.name, server.addresses.first().host, server.addresses.first().port};
@@ -123,7 +120,7 @@ int ping(Host &host, const QStringList &arguments)
         const QStringList parts = address.split(QLatin1Char(':'));
         const quint16 port = parts.size() == 1 ? defaultPort : parts[1].toUShort();
         if (parts.size() > 2 || parts[0].isEmpty() || port == 0)
-            return ResourceWords::complain(host);
+            return Commands::wrongUsage(host.output());
         pings << Ping{{}, parts[0], port};
     }
     askAll(pings);
@@ -143,7 +140,7 @@ int maps(Host &host, const QStringList &arguments)
     const Change change = changeNamed(action);
     const quint64 key = ResourceWords::keyIn(arguments.mid(2));
     if (!change || key == 0)
-        return ResourceWords::complain(host);
+        return Commands::wrongUsage(host.output());
     (OnlineMapResConfig::GetInstance()->*change)(arguments[0], {key}, true);
     return ExitGood;
 }

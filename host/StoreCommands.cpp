@@ -12,7 +12,6 @@
 #include "core/store/VipWelfareInfo.h"
 #include "host/Commands.h"
 #include "host/Host.h"
-#include "host/ResourceWords.h"
 #include "host/Text.h"
 
 namespace {
@@ -191,7 +190,7 @@ int useProp(Host &host, const QStringList &arguments)
     const QString wish = arguments.value(1, QStringLiteral("on"));
     const bool isOn = wish == QLatin1String("on");
     if (!isOn && wish != QLatin1String("off"))
-        return ResourceWords::complain(host);
+        return Commands::wrongUsage(host.output());
     if (!openStore(host))
         return ExitFailed;
     const quint32 id = arguments.value(0).toUInt();
@@ -239,7 +238,7 @@ int store(Host &host, const QStringList &arguments)
             count <= action.mostArguments)
             return action.run(host, arguments.mid(1));
     }
-    return ResourceWords::complain(host);
+    return Commands::wrongUsage(host.output());
 }
 
 int vip(Host &host, const QStringList &)

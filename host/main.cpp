@@ -7,6 +7,7 @@
 #include <QSettings>
 #include <QTranslator>
 
+#include "host/Columns.h"
 #include "host/Commands.h"
 #include "host/Host.h"
 #include "host/Interrupts.h"
@@ -17,15 +18,21 @@
 
 namespace {
 
+constexpr int usageColumns = 85; // as wide as the paragraphs of the usage
+constexpr int summaryIndent = 6;
+
 void printUsage()
 {
     const auto print = [](const QString &text) { std::fputs(qUtf8Printable(text), stdout); };
     print(Text::tr("rivet - a launcher for Minecraft on the command line\n\n"
                    "usage: rivet [OPTION...] COMMAND [ARGUMENT...]\n\n"));
     for (const Command *command = Commands::all(); command->name; ++command) {
-        print(QStringLiteral("  %1 %2\n      %3\n")
-                  .arg(QLatin1String(command->name), QLatin1String(command->arguments),
-                       Text::tr(command->summary)));
+        const QString line = QLatin1String("  ") % QLatin1String(command->name) % QLatin1Char(' ') %
+                             QLatin1String(command->arguments);
+        const QString summary =
+            QString(summaryIndent, QLatin1Char(' ')) % Text::tr(command->summary);
+        print(Columns::wrapped(line, usageColumns, summaryIndent) % QLatin1Char('\n') %
+              Columns::wrapped(summary, usageColumns, summaryIndent) % QLatin1Char('\n'));
     }
     print(Text::tr(
         "\n"
@@ -96,10 +103,8 @@ int runCommand(QStringList arguments, Output::Form form)
     takeFlag(arguments, "--password-stdin"); // the commands look for it themselves
     const Command *command = arguments.isEmpty() ? nullptr : Commands::byName(arguments[0]);
     const int count = arguments.size() - 1;
-    if (!command || count < command->fewestArguments || count > command->mostArguments) {
-        output.error(Text::tr("see rivet --help"));
-        return ExitUsage;
-    }
+    if (!command || count < command->fewestArguments || count > command->mostArguments)
+        return Commands::wrongUsage(output);
     try {
         Host host(output);
         return command->run(host, arguments.mid(1));
@@ -121,9 +126,10 @@ int main(int argc, char **argv)
     // What programs read does not change with the user's language.
     if (!isJson)
         chooseLanguage(language);
-    if (arguments.isEmpty() || takeFlag(arguments, "--help")) {
+    const bool isHelpWanted = takeFlag(arguments, "--help");
+    if (isHelpWanted || arguments.isEmpty()) {
         printUsage();
-        return argc < 2 ? ExitUsage : ExitGood;
+        return isHelpWanted ? ExitGood : ExitUsage;
     }
     return runCommand(arguments, isJson ? Output::Form::Json : Output::Form::Text);
 }

@@ -7,8 +7,6 @@
 #include "service/Faults.h"
 #include "service/Traffic.h"
 
-class QTcpSocket;
-
 /// A game server, as far as its status goes: takes the handshake, tells the status, echoes a ping.
 /// Whoever says anything else is hung up on. Loopback only; needs the event loop of its thread.
 /// Faults and counts go by the path "/game/status".

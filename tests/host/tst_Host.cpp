@@ -94,7 +94,7 @@ private Q_SLOTS:
 
     void wrongUsage()
     {
-        for (const char *line : {"", "dance", "launch", "launch 1 2", "register bob",
+        for (const char *line : {"", "--json", "dance", "launch", "launch 1 2", "register bob",
                                  "ping a:99999", "--service ftp://x version"})
             QCOMPARE(run(line).exitCode, 2);
         QCOMPARE(run("settings ChangedDataDir " + QStandardPaths::findExecutable("rivet")).exitCode,
@@ -110,6 +110,7 @@ private Q_SLOTS:
         // Programs read the same in each language.
         QVERIFY(run("--json --language zh_CN settings").output.contains(R"("key":"DataPath")"));
         // Each character takes two columns.
+        QVERIFY(run("--language zh_CN --help").output.contains(u8"\n      所有数据"));
         QVERIFY(run("--language zh_CN settings").output.startsWith(u8"键                  值"));
     }
 
