@@ -39,7 +39,7 @@ private:
     void watch(const QStringList &paths);
     void watchFoldersAgain(const QString &path);
     QStringList watchNewFoldersAndList(const QString &path);
-    bool isTampered(const QString &path, const QStringList &entries) const;
+    bool isTampered(const QString &path, const QStringList &files) const;
 
     QFileSystemWatcher *m_watcher = nullptr;   ///< null when no run is watched
     QHash<QString, QByteArray> m_watchedFiles; ///< known at the start of the run, with their stamps

@@ -101,10 +101,14 @@ void MinecraftLaunchStep::emitFailed(QString reason)
     GameLaunchBase::emitFailed(reason);
 }
 
-void MinecraftLaunchStep::failWith(GameLaunchBase::Error error, const QString &reason)
+/// A listener may delete the step at the error.
+void MinecraftLaunchStep::failWith(GameLaunchBase::Error error, const QString &reason,
+                                   const QString &line)
 {
     const QPointer<MinecraftLaunchStep> self(this);
     setError(error);
+    if (!line.isEmpty())
+        Log::critical(line);
     if (self)
         emitFailed(reason);
 }
@@ -139,7 +143,7 @@ void MinecraftLaunchStep::tell(const QString &text, quint32 percent)
         advance(percent);
 }
 
-/// A listener may abort the step at the last percent.
+/// A listener may abort or delete the step at the last percent.
 void MinecraftLaunchStep::succeed()
 {
     const QPointer<MinecraftLaunchStep> self(this);

@@ -67,6 +67,11 @@ protected:
     /// Tells what comes next. False if a listener has ended the step in answer, perhaps deleted it.
     [[nodiscard]] bool announce(const QString &brief, const QString &text);
 
+    /// Tells @p error, leaves @p line on the log if there is one, and fails with @p reason.
+    void failWith(GameLaunchBase::Error error, const QString &reason, const QString &line = {});
+    /// Tells the last percent and succeeds.
+    void succeed();
+
     /// Wants the resource, whose object comes from the manager. One that has no object fails the
     /// step as soon as the base's getReadyForTask() is reached.
     void follow(ResKey key, std::shared_ptr<ResObj> object);
@@ -111,8 +116,6 @@ private:
     void signalledBy(QObject *source, const std::function<void()> &slot);
     void forgetDeployTask(DeployTask &task);
     void takeBackWaitingDeployments();
-    void failWith(GameLaunchBase::Error error, const QString &reason);
-    void succeed();
 
     const std::weak_ptr<MCInstanceObj> m_instance;
     std::set<ResKey> m_updatingRes;  ///< whose download is not through

@@ -73,8 +73,7 @@ void ReadyForGameClientLaunch::onTaskRun()
         failsCheck(m_settings, QT_TR_NOOP("rivet settings  have not been set")))
         return;
     if (!m_info->session.IsSessionValid(m_profile->getBid())) {
-        setError(ErrNeedLogin);
-        emitFailed(tr("need login"));
+        failWith(ErrNeedLogin, tr("need login"));
         return;
     }
     if (m_info->host.isEmpty() || m_info->port == 0)
@@ -154,12 +153,10 @@ void ReadyForGameClientLaunch::onProcessStateChange(LaunchMcProcess::State state
     case LaunchMcProcess::StatePreparing:
         break;
     case LaunchMcProcess::StateInitializing:
-        setCurProgress(95, 100);
-        setStatus(tr("game client initialize..."));
+        onGameStarted();
         break;
     case LaunchMcProcess::StateRunning:
-        setCurProgress(100, 100);
-        emitSucceeded();
+        succeed();
         break;
     case LaunchMcProcess::StateExited:
         onGameEnded();
@@ -186,14 +183,20 @@ void ReadyForGameClientLaunch::onProcessStateChange(LaunchMcProcess::State state
     }
 }
 
+void ReadyForGameClientLaunch::onGameStarted()
+{
+    const QPointer<ReadyForGameClientLaunch> self(this);
+    setCurProgress(95, 100);
+    if (self)
+        setStatus(tr("game client initialize..."));
+}
+
 /// A game that ends well before it could take input has been launched all the same.
 void ReadyForGameClientLaunch::onGameEnded()
 {
     const QPointer<ReadyForGameClientLaunch> self(this);
-    if (isRunning()) {
-        setCurProgress(100, 100);
-        emitSucceeded();
-    }
+    if (isRunning())
+        succeed();
     if (self)
         Q_EMIT gameProcessFinished();
 }
@@ -203,6 +206,5 @@ void ReadyForGameClientLaunch::failWithGame(GameLaunchBase::Error error, const c
                                             const char *reason)
 {
     Log::critical(QString::fromUtf8(line));
-    setError(error);
-    emitFailed(tr(reason ? reason : line));
+    failWith(error, tr(reason ? reason : line));
 }

@@ -56,6 +56,7 @@ private:
     void startGame(MCInstanceObj &instance);
     void makeGame(MCInstanceObj &instance);
     void setArguments(MCInstanceObj &instance);
+    void onGameStarted();
     void onGameEnded();
     void failWithGame(GameLaunchBase::Error error, const char *line, const char *reason);
 

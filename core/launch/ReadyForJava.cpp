@@ -5,7 +5,6 @@
 #include "core/foundation/JsonNumber.h"
 #include "core/resources/JavaListInfo.h"
 #include "support/coresupport/CSystemInfo.h"
-#include "support/jsonfskit/Log.h"
 
 void ReadyForJava::onTaskRun()
 {
@@ -34,8 +33,5 @@ void ReadyForJava::getReadyForTask()
 
 void ReadyForJava::failWithoutList(const QString &line)
 {
-    setError(ErrResourceList);
-    if (!line.isEmpty())
-        Log::critical(line);
-    emitFailed(tr("can not get resource list."));
+    failWith(ErrResourceList, tr("can not get resource list."), line);
 }

@@ -5,7 +5,6 @@
 #include "core/foundation/JsonNumber.h"
 #include "core/launch/MCInstanceObj.h"
 #include "core/resources/GameClientListInfo.h"
-#include "support/jsonfskit/Log.h"
 
 void ReadyForMinecraftFiles::onTaskRun()
 {
@@ -37,7 +36,5 @@ void ReadyForMinecraftFiles::getReadyForTask()
 
 void ReadyForMinecraftFiles::failInList(const char *text)
 {
-    setError(ErrResourceList);
-    Log::critical(QString::fromUtf8(text));
-    emitFailed(tr(text));
+    failWith(ErrResourceList, tr(text), QString::fromUtf8(text));
 }

@@ -60,8 +60,7 @@ void ReadyForOtherRes::emitSucceeded()
         addAllDependsRes(wanted);
         if (!checkAndRepaireDeployFloder(wanted)) {
             Log::critical(QStringLiteral("repair deploy folder failed"));
-            setError(ErrDeployFailed);
-            MinecraftLaunchStep::emitFailed(tr("repair deploy folder failed"));
+            failWith(ErrDeployFailed, tr("repair deploy folder failed"));
             return;
         }
     }

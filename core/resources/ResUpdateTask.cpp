@@ -30,10 +30,7 @@ ResUpdateTask::ResUpdateTask(uint id, ResType type, ResInfo *info, QObject *pare
     setObjectName(QStringLiteral("resObj,id:%1,type:%2").arg(id).arg(type));
     m_startTimer.setSingleShot(true);
     m_startTimer.setInterval(0);
-    connect(&m_startTimer, &QTimer::timeout, this, [this] {
-        if (const auto instance = download())
-            instance->start();
-    });
+    connect(&m_startTimer, &QTimer::timeout, this, &ResUpdateTask::startTransfer);
 }
 
 ResUpdateTask::~ResUpdateTask()
@@ -97,6 +94,7 @@ void ResUpdateTask::askForGameClient()
 void ResUpdateTask::askForRecord()
 {
     m_isQueued = true;
+    m_isRefreshTakenBack = false;
     RequestGate::GetInstance()->enqueue(this, [this] {
         m_isQueued = false;
         const QString url = QString::fromUtf8(g_resInfo_url).arg(m_id);
@@ -177,6 +175,16 @@ void ResUpdateTask::startDownload()
     m_startTimer.start();
 }
 
+/// Who still waits after another has taken back the request may have no source to go on with. By
+/// now all that were stopped together are, so this sends nothing for those.
+void ResUpdateTask::startTransfer()
+{
+    if (m_isRefreshTakenBack && m_resInfo && m_resInfo->downloadUrl().isEmpty())
+        askForRecord();
+    else if (const auto instance = download())
+        instance->start();
+}
+
 /// The one transfer of the resource; its next start fetches what the record names now.
 std::shared_ptr<ResDownload> ResUpdateTask::download()
 {
@@ -238,6 +246,7 @@ void ResUpdateTask::stop()
 /// The download goes on with the record at hand if somebody else still waits for it.
 void ResUpdateTask::abortRefresh()
 {
+    m_isRefreshTakenBack = m_isRefreshTakenBack || m_reply || m_isQueued;
     if (m_reply) {
         m_reply->abort(); // tells its end at once
     } else if (m_isQueued) {

@@ -92,6 +92,7 @@ private:
     void changeProgress(uint percent);
     void updateDlSpeed(quint64 speed);
     void startDownload();
+    void startTransfer();
     void safeDeleteLater(QNetworkReply *reply);
     void askForGameClient();
     void askForRecord();
@@ -108,8 +109,9 @@ private:
     const ResType m_type;
     UpdateStatus m_updateStatus = NotUpdated;
     std::shared_ptr<QNetworkAccessManager> m_manager;
-    QNetworkReply *m_reply = nullptr; ///< in flight
-    bool m_isQueued = false;          ///< the request waits for its turn
+    QNetworkReply *m_reply = nullptr;  ///< in flight
+    bool m_isQueued = false;           ///< the request waits for its turn
+    bool m_isRefreshTakenBack = false; ///< the last request was, by stop()
     ResInstallStatus m_installStatus = ResInstallIdle;
     uint m_progress = 0;
     uint m_speed = 0;

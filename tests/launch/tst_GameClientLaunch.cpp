@@ -44,8 +44,16 @@ struct Launch : ServiceWorld
                          [this](int e) { journal->lines << QString("error %1").arg(e); });
         QObject::connect(step.get(), &ReadyForGameClientLaunch::gameProcessFinished, journal.get(),
                          [this] { journal->lines << "gone"; });
+        const auto perhapsDelete = [this] {
+            if (journal->lines.last() == deletedAt)
+                step.reset();
+        };
+        QObject::connect(step.get(), &GameLaunchBase::error, journal.get(), perhapsDelete);
+        QObject::connect(step.get(), &TaskAbstract::progress, journal.get(), perhapsDelete);
         step->start();
         const bool isOver = await([this] {
+            if (!step)
+                return true;
             if (step->isFinished() && step->successful() && onRunning)
                 std::exchange(onRunning, nullptr)();
             const QStringList &lines = journal->lines;
@@ -64,7 +72,7 @@ struct Launch : ServiceWorld
     std::shared_ptr<TestInstance> instance = std::make_shared<TestInstance>(path("inst"), "7");
     std::shared_ptr<OrAuthServerInstanceInfo> info = std::make_shared<OrAuthServerInstanceInfo>();
     bool hasProfile = true, hasSettings = true, isRoomOwner = false;
-    QString roomOwner;
+    QString roomOwner, deletedAt;
     std::function<void()> onRunning;
     std::unique_ptr<ReadyForGameClientLaunchLAN> step;
     std::unique_ptr<TaskJournal> journal;
@@ -138,6 +146,18 @@ private Q_SLOTS:
             const LogCapture log;
             const QString story = launch.play();
             QVERIFY2(story == row.story, qPrintable(QString("%1: %2").arg(row.name, story)));
+        }
+    }
+
+    void aListenerMayDeleteIt()
+    {
+        for (const char *line : {"95/100", "100/100", "error 8"}) {
+            Launch launch("until %dir/never");
+            launch.deletedAt = line;
+            if (launch.deletedAt.startsWith("error"))
+                launch.info->session.SetUUID("");
+            const LogCapture log;
+            QVERIFY2(launch.play().endsWith(line) && !launch.step, line);
         }
     }
 

@@ -264,15 +264,17 @@ private Q_SLOTS:
             for (const auto &object : qAsConst(world.resources.table))
                 QVERIFY(object->installStatus() != 1 && object->installStatus() != 2);
         }
-        // Two steps share the resources, and one of them is stopped.
+        // Two steps share the resources, and one of them is stopped. One record is new to both.
+        world.offer(13, mods);
+        world.want(13, mods);
         Run first(world), second(world);
         first.step.start();
         second.step.start();
         second.step.abort();
         second.step.abort();
         QCOMPARE(first.ends(), succeeded);
-        QCOMPARE(world.instanceTree().count("mods/f"), 12);
-        const qint64 all = 12 * world.resources.table.begin().value()->dlTotalSize();
+        QCOMPARE(world.instanceTree().count("mods/f"), 13);
+        const qint64 all = 13 * world.resources.table.begin().value()->dlTotalSize();
         QVERIFY2(world.payloadBytes() < 2 * all, "what had arrived is not fetched again");
     }
 
