@@ -93,6 +93,28 @@ private Q_SLOTS:
         }
     }
 
+    void looksAtWholeSecondsAndAHundredFiles()
+    {
+        // Milliseconds from the deployment to the archive, and which of 150 files is missing.
+        const std::tuple<int, const char *, bool> rows[] = {
+            {0, "", false},  {700, "", false},      {-700, "", false},
+            {800, "", true}, {0, "mods/050", true}, {0, "mods/120", false}};
+        for (const auto &[laterMs, missing, isDeployedAgain] : rows) {
+            init();
+            QStringList names;
+            for (int i = 0; i < 150; ++i)
+                names << QString("mods/%1").arg(i, 3, 10, QChar('0'));
+            makeFiles(m_game, names);
+            const QDateTime time(QDate(2024, 1, 1), QTime(12, 0, 0, 200));
+            m_history->insertRecord(m_game, 7, names, time, false);
+            archive({{"again"}});
+            touch(time.addMSecs(laterMs));
+            QVERIFY(*missing == 0 || QFile::remove(m_game + '/' + missing));
+            QCOMPARE(deploy("unzip"), "");
+            QCOMPARE(QFile::exists(m_game + "/again"), isDeployedAgain);
+        }
+    }
+
     void sweepsWhatEndedRunsLeft()
     {
         const QString left = "{8d7f0a1e-0000-4000-8000-000000000001}",
@@ -214,17 +236,16 @@ private Q_SLOTS:
     }
 
 private:
-    void touch(int seconds) const
+    void touch(const QDateTime &time) const
     {
         QFile file(m_source);
-        const QDateTime time = QDateTime::currentDateTime().addSecs(seconds);
         QVERIFY(file.open(QIODevice::Append) &&
                 file.setFileTime(time, QFileDevice::FileModificationTime));
     }
     void archive(const Items &items, int seconds = 0) const
     {
         QVERIFY(FS::writeFile(m_source, items.isEmpty() ? "x" : archiveOf("zip", items)));
-        touch(seconds);
+        touch(QDateTime::currentDateTime().addSecs(seconds));
     }
 
     std::unique_ptr<DeployTask> make(const QString &kind, quint64 key, const QString &source,

@@ -48,6 +48,32 @@ private Q_SLOTS:
         qputenv("DISPLAY", "");
     }
 
+    void theStore()
+    {
+        say("/account/info", R"({"code":0,"bid":"7","money":"9","VIPlevel":"0",
+            "deadLine":"0","endTime":"0"})");
+        say("/store/props", R"({"code":0,"data":[{"id":"12","name":"Cake","toolType":"2",
+            "picture":"","resUrl":"","soldOut":"1","normList":[{"type":"1","price":"7","name":"one",
+            "describe":""}]}]})");
+        say("/store/mine", R"({"code":-1})");
+        say("/store/buy", R"({"code":0,"propId":"12","count":"1","expiryData":"0"})");
+        say("/store/use", R"({"code":0})");
+        QCOMPARE(run("store mine").exitCode, 1); // nobody is logged in
+        QCOMPARE(run("login bob --password-stdin", "secret\n").exitCode, 0);
+        QVERIFY(run("store mine").output.contains("money 9, no VIP"));
+        const Outcome bought = run("store buy 12");
+        QVERIFY2(bought.output.contains("money 2") && bought.exitCode == 0, bought.output.toUtf8());
+        QCOMPARE(run("store use 12").exitCode, 0);
+        for (const char *line : {"store buy 12 2", "store buy 13"})
+            QCOMPARE(run(line).exitCode, 1);
+        for (const char *path : {"/store/buy", "/store/use"})
+            say(path, R"({"code":17,"msg":"no","errMsg":"no"})");
+        for (const char *line : {"store buy 12", "store use 12 off"})
+            QCOMPARE(run(line).exitCode, 1);
+        QCOMPARE(run("store use 12 maybe").exitCode, 2);
+        QCOMPARE(run("logout").exitCode, 0);
+    }
+
     void aWholeLaunch()
     {
         QCOMPARE(run("launch 9").exitCode, 24); // nobody is logged in
