@@ -138,23 +138,26 @@ private Q_SLOTS:
     {
         QThreadPool pool;
         pool.setMaxThreadCount(8);
+        QSemaphore begin;
         QList<QFuture<void>> futures;
         for (uint thread = 1; thread <= 8; ++thread) {
-            futures << QtConcurrent::run(&pool, [this, thread] {
-                for (uint i = 1; i <= 200; ++i) {
-                    m_config->setGameInstanceConfig(i, {thread}, i % 50 == 0);
-                    m_config->setResourceConfig(100 + thread, {i}, false);
-                    if (i % 2)
-                        m_config->unSetGameInstanceConfig(i, {100 + thread}, false);
+            futures << QtConcurrent::run(&pool, [this, &begin, thread] {
+                begin.acquire();
+                for (uint i = 0; i < 5000; ++i) {
+                    const uint instance = i % 200 + 1;
+                    m_config->setGameInstanceConfig(instance, {thread}, i % 2500 == 0);
+                    m_config->setResourceConfig(100 + thread, {instance}, false);
+                    m_config->unSetGameInstanceConfig(instance, {100 + thread}, false);
                     m_config->getResourceConfigList(thread);
                 }
             });
         }
+        begin.release(8);
         for (QFuture<void> &future : futures)
             future.waitForFinished();
         open();
-        for (uint i = 1; i <= 200; ++i)
-            QCOMPARE(m_config->getCustomGameInstCfgList(i).size(), i % 2 ? 8 : 16);
+        for (uint instance = 1; instance <= 200; ++instance)
+            QCOMPARE(m_config->getCustomGameInstCfgList(instance).size(), 8);
     }
 
     void mapsHaveResourcesLikewise()

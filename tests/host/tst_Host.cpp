@@ -91,9 +91,9 @@ private Q_SLOTS:
         QVERIFY(FS::readFile(instance + "mods/a.jar") == QByteArray("mod"));
         QVERIFY(FS::readFile(instance + "game-output.log").value_or("").contains("[Bob]"));
 
-        const qint64 bytes = payloadBytes();
+        const qint64 bytes = m_server.bodySentBytes("/files/");
         QCOMPARE(run("launch 9").exitCode, 0);
-        QCOMPARE(payloadBytes(), bytes);
+        QCOMPARE(m_server.bodySentBytes("/files/"), bytes);
 
         QCOMPARE(run("resources 9 ignore 1 5").exitCode, 0);
         QCOMPARE(run("launch 9").exitCode, 0);
@@ -147,13 +147,6 @@ private:
     void say(const QString &path, QByteArray answer)
     {
         m_server.play(path, answer.replace("BASE", m_server.url("").toEncoded()), "");
-    }
-    qint64 payloadBytes() const
-    {
-        qint64 sum = 0;
-        for (const TestServer::Request &request : m_server.requests())
-            sum += request.path.startsWith("/files/") ? request.bodySentBytes : 0;
-        return sum;
     }
     Outcome run(const QString &line, const QByteArray &input = {})
     {
