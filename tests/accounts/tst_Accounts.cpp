@@ -6,8 +6,11 @@
 #include "core/accounts/IEventCollect.h"
 #include "core/accounts/IEventReportEx.h"
 #include "core/accounts/RivetLoginHost.h"
+#include "core/accounts/RivetUserList.h"
+#include "core/accounts/RivetUserLoginInfoHelper.h"
 #include "core/accounts/RivetUserProfile.h"
 #include "core/accounts/RivetUserRegister.h"
+#include "core/accounts/RivetUserSecurityLoginInfo.h"
 #include "core/foundation/Environment.h"
 #include "tests/support/CoreRun.h"
 
@@ -126,6 +129,8 @@ private Q_SLOTS:
             QVERIFY2(asked.isEmpty() || asked.last().endsWith(cells[5].mid(1)), row);
             const bool isIn = run.host.status() == RivetLoginHost::LoginStatusLoggedIn;
             QCOMPARE(run.profile.getBid(), isIn ? 7u : 0u);
+            const auto users = RivetUserLoginInfoHelper::GetInstance()->GetRivetUserList();
+            QVERIFY2(!isIn || users->recordOf("b")->savePassword, "or it could not log in alone");
             QVERIFY(!isIn || await([&] { return !run.asked("/info").isEmpty(); }));
             QVERIFY(!isIn || run.server.requests().last().headers["cookie"] == "a=c00kie");
         }

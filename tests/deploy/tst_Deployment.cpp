@@ -93,6 +93,30 @@ private Q_SLOTS:
         }
     }
 
+    void looksAtWholeSecondsAndAHundredFiles()
+    {
+        // Milliseconds from the deployment to the archive, and which file of the record is missing.
+        const std::tuple<int, int, bool> rows[] = {
+            {700, -1, false}, {-700, -1, false}, {800, -1, true}, {0, 99, true}, {0, 100, false}};
+        for (const auto &[laterMs, missing, isDeployedAgain] : rows) {
+            init();
+            QStringList names;
+            while (names.size() <= missing)
+                names << QString::number(names.size());
+            makeFiles(m_game, names);
+            const QDateTime time(QDate(2024, 1, 1), QTime(12, 0, 0, 200));
+            m_history->insertRecord(m_game, 7, names, time, false);
+            archive({{"again"}});
+            touch(time.addMSecs(laterMs));
+            DeployRecordItem record; // in the order in which it is looked through
+            QVERIFY(m_history->queryRecord(m_game, 7, record));
+            const QString name = record.deployFiles.keys().value(missing);
+            QVERIFY(missing < 0 || QFile::remove(m_game + '/' + name));
+            QCOMPARE(deploy("unzip"), "");
+            QCOMPARE(QFile::exists(m_game + "/again"), isDeployedAgain);
+        }
+    }
+
     void sweepsWhatEndedRunsLeft()
     {
         const QString left = "{8d7f0a1e-0000-4000-8000-000000000001}",
@@ -214,17 +238,16 @@ private Q_SLOTS:
     }
 
 private:
-    void touch(int seconds) const
+    void touch(const QDateTime &time) const
     {
         QFile file(m_source);
-        const QDateTime time = QDateTime::currentDateTime().addSecs(seconds);
         QVERIFY(file.open(QIODevice::Append) &&
                 file.setFileTime(time, QFileDevice::FileModificationTime));
     }
     void archive(const Items &items, int seconds = 0) const
     {
         QVERIFY(FS::writeFile(m_source, items.isEmpty() ? "x" : archiveOf("zip", items)));
-        touch(seconds);
+        touch(QDateTime::currentDateTime().addSecs(seconds));
     }
 
     std::unique_ptr<DeployTask> make(const QString &kind, quint64 key, const QString &source,

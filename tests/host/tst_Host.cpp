@@ -48,6 +48,32 @@ private Q_SLOTS:
         qputenv("DISPLAY", "");
     }
 
+    void theStore()
+    {
+        say("/account/info", R"({"code":0,"bid":"7","money":"9","VIPlevel":"0",
+            "deadLine":"0","endTime":"0"})");
+        say("/store/props", R"({"code":0,"data":[{"id":"12","name":"Cake","toolType":"2",
+            "picture":"","resUrl":"","soldOut":"1","normList":[{"type":"1","price":"7","name":"one",
+            "describe":""}]}]})");
+        say("/store/mine", R"({"code":-1})");
+        say("/store/buy", R"({"code":0,"propId":"12","count":"1","expiryData":"0"})");
+        say("/store/use", R"({"code":0})");
+        QCOMPARE(run("store mine").exitCode, 1); // nobody is logged in
+        QCOMPARE(run("login bob --password-stdin", "secret\n").exitCode, 0);
+        QVERIFY(run("store mine").output.contains("money 9, no VIP"));
+        const Outcome bought = run("store buy 12");
+        QVERIFY2(bought.output.contains("money 2") && bought.exitCode == 0, bought.output.toUtf8());
+        QCOMPARE(run("store use 12").exitCode, 0);
+        for (const char *line : {"store buy 12 2", "store buy 13"})
+            QCOMPARE(run(line).exitCode, 1);
+        for (const char *path : {"/store/buy", "/store/use"})
+            say(path, R"({"code":17,"msg":"no","errMsg":"no"})");
+        for (const char *line : {"store buy 12", "store use 12 off"})
+            QCOMPARE(run(line).exitCode, 1);
+        QCOMPARE(run("store use 12 maybe").exitCode, 2);
+        QCOMPARE(run("logout").exitCode, 0);
+    }
+
     void aWholeLaunch()
     {
         QCOMPARE(run("launch 9").exitCode, 24); // nobody is logged in
@@ -65,9 +91,9 @@ private Q_SLOTS:
         QVERIFY(FS::readFile(instance + "mods/a.jar") == QByteArray("mod"));
         QVERIFY(FS::readFile(instance + "game-output.log").value_or("").contains("[Bob]"));
 
-        const qint64 bytes = payloadBytes();
+        const qint64 bytes = m_server.bodySentBytes("/files/");
         QCOMPARE(run("launch 9").exitCode, 0);
-        QCOMPARE(payloadBytes(), bytes);
+        QCOMPARE(m_server.bodySentBytes("/files/"), bytes);
 
         QCOMPARE(run("resources 9 ignore 1 5").exitCode, 0);
         QCOMPARE(run("launch 9").exitCode, 0);
@@ -122,13 +148,6 @@ private:
     void say(const QString &path, QByteArray answer)
     {
         m_server.play(path, answer.replace("BASE", m_server.url("").toEncoded()), "");
-    }
-    qint64 payloadBytes() const
-    {
-        qint64 sum = 0;
-        for (const TestServer::Request &request : m_server.requests())
-            sum += request.path.startsWith("/files/") ? request.bodySentBytes : 0;
-        return sum;
     }
     Outcome run(const QString &line, const QByteArray &input = {})
     {

@@ -12,6 +12,7 @@
 #include "support/coresupport/CSystemInfo.h"
 #include "support/coresupport/DirectoryNames.h"
 #include "tests/support/Archives.h"
+#include "tests/support/FakeMachine.h"
 #include "tests/support/ResManager.h"
 #include "tests/support/ServiceWorld.h"
 #include "tests/support/TaskJournal.h"
@@ -22,10 +23,11 @@ namespace {
 constexpr auto mods = ResTypeMods, packs = ResTypeResourcePacks, shaders = ResTypeShaders,
                others = ResTypeOther;
 
-const QByteArray incompressible = [] {
-    QByteArray bytes(200'000, '\0');
+/// Hardly compressible, and without spaces.
+const QByteArray content = [] {
+    QByteArray bytes(150'000, '\0');
     QRandomGenerator(1).fillRange(reinterpret_cast<quint32 *>(bytes.data()), bytes.size() / 4);
-    return bytes;
+    return bytes.toBase64();
 }();
 
 /// A service with resources, an instance, and a step that asks for mods, packs and shaders.
@@ -49,12 +51,13 @@ struct World : ServiceWorld
             .toUtf8();
     }
     /// A resource that unpacks to one file of its name.
-    void offer(uint id, uint type, const QByteArray &depends = "", const QByteArray &script = "")
+    void offer(uint id, uint type, const QByteArray &depends = "", const QByteArray &script = "",
+               int times = 1)
     {
         const QByteArray n = QByteArray::number(id);
         server.play("/resources/info?id=" + n,
                     R"({"code":0,"resource":)" + record(id, type, depends) + '}', "");
-        server.play("/file" + n, archiveOf("zip", {{"f" + n, incompressible}}),
+        server.play("/file" + n, archiveOf("zip", {{"f" + n, content.repeated(times)}}),
                     "ETag=\"" + n + "\" " + script);
     }
     void want(uint id, ResType type)
@@ -63,15 +66,7 @@ struct World : ServiceWorld
     }
     QString instanceTree() const
     {
-        return treeOf(instance->dir).remove('=' + QString::fromUtf8(incompressible));
-    }
-    /// Of resource files alone.
-    qint64 payloadBytes() const
-    {
-        qint64 sum = 0;
-        for (const TestServer::Request &request : server.requests())
-            sum += request.path.startsWith("/file") ? request.bodySentBytes : 0;
-        return sum;
+        return treeOf(instance->dir).remove(QRegularExpression("=[^ ]{99,}"));
     }
 
     std::shared_ptr<TestInstance> instance = std::make_shared<TestInstance>(path("inst"));
@@ -115,7 +110,25 @@ struct Run
     TaskJournal journal{step};
 };
 
-const QString succeeded = "finished 1  ";
+/// Holds each deployment shortly before its end, where it removes the folder it has unpacked into.
+struct HeldDeployments : FakeMachine
+{
+    ~HeldDeployments() override
+    {
+        gate.release(100);
+        QThreadPool::globalInstance()->waitForDone();
+    }
+    QString homePath() const override
+    {
+        if (QThread::currentThread() != qApp->thread())
+            reached.release(), gate.acquire();
+        return home;
+    }
+
+    mutable QSemaphore reached, gate;
+};
+
+const QString succeeded = "finished 1  ", cancelled = "finished 0 user cancel error 1";
 
 } // namespace
 
@@ -123,15 +136,21 @@ class tst_LaunchSteps : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void cleanup() { QThreadPool::globalInstance()->waitForDone(); }
+    void cleanup()
+    {
+        QThreadPool::globalInstance()->waitForDone();
+        QThreadPool::globalInstance()->setMaxThreadCount(QThread::idealThreadCount());
+    }
 
     void theWholeRoad()
     {
         World world;
-        world.offer(1, mods, "2;resource;3;"); // needs two more, one of which needs it: a circle
+        // Needs two more, one of which needs it: a circle. Its 2.9 MiB are unpacked first.
+        world.offer(1, mods, "2;resource;3;", "", 20);
+        QThreadPool::globalInstance()->setMaxThreadCount(1);
         world.offer(2, mods, "1;");
         world.offer(3, packs, "mods;1;");
-        world.offer(4, shaders, "", "trickle=50000 pause=400");
+        world.offer(4, shaders, "", "trickle=30000 pause=400");
         world.offer(6, mods);
         world.offer(7, others);
         const auto key = &ResourceKey::pack;
@@ -153,11 +172,16 @@ private Q_SLOTS:
             const int extracting = lines.indexOf("brief extracting file...");
             QVERIFY(lines[extracting - 1] == "85/100" && lines[extracting - 2] != "85/100");
             QCOMPARE(lines[extracting + 1], "status extracting files, please wait for a moment...");
-            QVERIFY(lines
-                        .filter(QRegExp("status download speed:\\d+Kb/s<br/>download size:0M<br/>"
-                                        "file total size:0M<br/><extern>please be patient, you "
-                                        "can play all server once updated</extern>"))
-                        .size() > 0);
+            QVERIFY(lines.filter(QRegExp("(17|18|19)/100")).size() > 0);
+            QStringList bar = lines.filter(QRegExp("8\\d/100"));
+            bar.removeDuplicates();
+            QCOMPARE(bar.join(' '), "85/100 87/100");
+            QVERIFY(
+                lines
+                    .filter(QRegExp("status download speed:\\d+Kb/s<br/>download size:[23]M<br/>"
+                                    "file total size:3M<br/><extern>please be patient, you "
+                                    "can play all server once updated</extern>"))
+                    .size() > 0);
             QVERIFY(lines.contains("status left file number: 5<br/>extracting files: 100%..."));
             QCOMPARE(lines[lines.size() - 2], "100/100");
         }
@@ -166,9 +190,9 @@ private Q_SLOTS:
         QCOMPARE(world.instanceTree(), tree);
         QVERIFY(world.asked("/file1").size() >= 1 && world.asked("/file6").size() == 0);
 
-        const qint64 bytes = world.payloadBytes();
+        const qint64 bytes = world.server.bodySentBytes("/file");
         QCOMPARE(Run(world).play(), succeeded);
-        QCOMPARE(world.payloadBytes(), bytes);
+        QCOMPARE(world.server.bodySentBytes("/file"), bytes);
         QCOMPARE(world.instanceTree(), tree);
 
         config->unSetGameInstanceConfig(9, {key(4, shaders), key(7, others)}, true);
@@ -200,18 +224,26 @@ private Q_SLOTS:
              [](World &w) { w.server.play("/file1", "", "status=404"); }},
             {"deleted meanwhile", "finished 0 download stop error 4", 5,
              [](World &w) {
-                 QTimer::singleShot(1, w.instance.get(),
+                 QTimer::singleShot(0, w.instance.get(),
                                     [&w] { w.resources.knownRes(1, mods)->deleteRes(); });
              }},
             {"no archive", noDeploy, 85, [](World &w) { w.server.play("/file1", "?", ""); },
              "mods"},
             {"blocked folder", noDeploy, 85, [](World &w) { makeFiles(w.path("inst"), {"mods"}); },
              "mods"},
+            {"a record that leads out", "finished 0 repair deploy folder failed error 5", 100,
+             [](World &w) {
+                 w.info->resTypes = {{others, {}}};
+                 makeFiles(w.path(""), {"inst/own", "up"});
+                 DeployResRecorder::GetInstance()->insertRecord(w.path("inst"), 8, {"../up"}, {},
+                                                                false);
+             },
+             "own"},
             {"no instance", noDeploy, 85, [](World &w) { w.instance.reset(); }},
             {"no folder for it", noDeploy, 85, [](World &w) { w.instance->dir.clear(); }},
             {"no dependency", noDownload, 5, [](World &w) { w.offer(1, mods, "2;"); }},
-            {"aborted", "finished 0 user cancel error 1", -1, [](World &) {}, "", "checking"},
-            {"aborted late", "finished 0 user cancel error 1", 85, [](World &) {}, "", "extracti"},
+            {"aborted", cancelled, -1, [](World &) {}, "", "checking"},
+            {"aborted late", cancelled, 85, [](World &) {}, "", "extracti"},
         };
         for (const Row &row : rows) {
             World world;
@@ -249,7 +281,7 @@ private Q_SLOTS:
     {
         World world;
         for (uint id = 1; id <= 12; ++id) {
-            world.offer(id, mods, "", "trickle=5000 pause=4");
+            world.offer(id, mods, "", "trickle=2500 pause=4");
             world.want(id, mods);
         }
         for (int delay : {0, 5, 20, 60, 120, 250}) {
@@ -258,7 +290,7 @@ private Q_SLOTS:
             QTest::qWait(delay);
             if (run.step.isRunning())
                 run.step.abort();
-            QCOMPARE(run.ends(), "finished 0 user cancel error 1");
+            QCOMPARE(run.ends(), cancelled);
             QCOMPARE(run.journal.lines.filter("user cancel").size(), 2);
             QTest::qWait(20);
             for (const auto &object : qAsConst(world.resources.table))
@@ -275,7 +307,39 @@ private Q_SLOTS:
         QCOMPARE(first.ends(), succeeded);
         QCOMPARE(world.instanceTree().count("mods/f"), 13);
         const qint64 all = 13 * world.resources.table.begin().value()->dlTotalSize();
-        QVERIFY2(world.payloadBytes() < 2 * all, "what had arrived is not fetched again");
+        QVERIFY2(world.server.bodySentBytes("/file") < 2 * all,
+                 "what had arrived is not fetched again");
+    }
+
+    void aRestartMeetsTheDeploymentsOfTheRunBefore()
+    {
+        auto *pool = QThreadPool::globalInstance();
+        pool->setMaxThreadCount(1); // so that one deployment runs and the other waits
+        for (const bool isOverEarly : {true, false}) {
+            World world;
+            for (const uint id : {1, 2})
+                world.offer(id, mods), world.want(id, mods);
+            Run run(world);
+            HeldDeployments held;
+            run.step.start();
+            QVERIFY(await([&] { return held.reached.available() > 0; }));
+            run.step.abort();
+            QCOMPARE(run.ends(), cancelled);
+            run.journal.lines.clear();
+            run.step.start();
+            if (isOverEarly) {
+                held.gate.release(100);
+                pool->waitForDone();
+                QCOMPARE(world.instanceTree(), "mods mods/f1");
+            } else {
+                connect(&run.step, &TaskAbstract::taskBrief, &run.journal, [&](const QString &s) {
+                    if (s.startsWith("extract"))
+                        QTimer::singleShot(0, &run.journal, [&] { held.gate.release(100); });
+                });
+            }
+            QCOMPARE(run.ends(), succeeded);
+            QCOMPARE(world.instanceTree(), "mods mods/f1 mods/f2");
+        }
     }
 
     void resourcesThatAListNames()

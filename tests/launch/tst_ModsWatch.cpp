@@ -64,7 +64,7 @@ private Q_SLOTS:
             for (const QString &change : QString(changes).split('|'))
                 run.change(change);
             const auto isOver = [&] { return run.states.contains("Exited"); };
-            QVERIFY2(QTest::qWaitFor(isOver, 2000), changes);
+            QVERIFY2(QTest::qWaitFor(isOver, 20'000), changes);
             QCoreApplication::processEvents();
             QCOMPARE(run.story(), "Preparing Initializing Running Tampered Exited");
         }

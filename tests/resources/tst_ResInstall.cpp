@@ -185,6 +185,24 @@ private Q_SLOTS:
         }
     }
 
+    void askersThatGoMakeRoomForOthers()
+    {
+        ModWorld world;
+        world.server.play("/resources/info", "", "mute");
+        {
+            std::vector<std::unique_ptr<Mod>> askers; // more than are let through at a time
+            for (uint id = 11; id <= 18; ++id) {
+                askers.push_back(std::make_unique<Mod>(id));
+                askers.back()->install();
+            }
+            QVERIFY(await([&] { return world.asked("/info").size() == 6; }));
+        }
+        Mod mod;
+        mod.install();
+        QVERIFY(mod.ends());
+        QCOMPARE(world.asked("/info").size(), 7);
+    }
+
     void gameClientsComeFromTheirList()
     {
         ModWorld world;

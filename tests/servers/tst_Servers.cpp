@@ -48,6 +48,9 @@ private Q_SLOTS:
             tell(list->getGameInstIdList());
             tell(list->getGameInstIdList("1.7-1.9"));
             QCOMPARE(list->getGameInstName(9) + list->getGameInstName(5), "n");
+            const QString cache = run.file("myMcGamelist.cache");
+            QVERIFY2(!FS::readFile(cache).value().startsWith('{'), "saved after each answer");
+            QVERIFY(QFile::remove(cache)); // and at the end
             run.restart();
             tell(MyMcGameInstMgr::GetInstance()->getGameInstIdList());
             QCOMPARE(told, expected);

@@ -57,13 +57,6 @@ struct World : ServiceWorld
             sum += QFileInfo(it.next()).size();
         return sum;
     }
-    qint64 payloadBytes() const
-    {
-        qint64 sum = 0;
-        for (const TestServer::Request &request : server.requests())
-            sum += request.path.startsWith("/file") ? request.bodySentBytes : 0;
-        return sum;
-    }
 
     std::shared_ptr<TestInstance> instance = std::make_shared<TestInstance>(path("inst"));
     std::shared_ptr<OrAuthServerInstanceInfo> info = std::make_shared<OrAuthServerInstanceInfo>();
@@ -105,7 +98,7 @@ int abortAgainAndAgain(int aborts, int &wholeMs, Totals &totals)
         timer.start();
         step.abort();
         totals.longestAbortMs = qMax(totals.longestAbortMs, timer.elapsed());
-        totals.midway += int(world.payloadBytes() > 0);
+        totals.midway += int(world.server.bodySentBytes("/file") > 0);
         spin(settlingMs);
         QThreadPool::globalInstance()->waitForDone();
         const int requests = world.server.requests().size();
@@ -128,7 +121,7 @@ int abortAgainAndAgain(int aborts, int &wholeMs, Totals &totals)
     await([&] { return step.isFinished(); });
     if (aborted == 0)
         wholeMs = int(timer.elapsed());
-    const double ratio = double(world.payloadBytes()) / double(world.wholeBytes);
+    const double ratio = double(world.server.bodySentBytes("/file")) / double(world.wholeBytes);
     totals.worstRatio = qMax(totals.worstRatio, ratio);
     const int files = QDir(world.path("inst/mods")).entryList(QDir::Files).size();
     if (!step.successful() || files != int(resourceCount))

@@ -3,7 +3,7 @@
 #include "platform/MachineInfo.h"
 
 /// In force as the machine for as long as it lives.
-class FakeMachine final : public platform::MachineInfo
+class FakeMachine : public platform::MachineInfo
 {
 public:
     FakeMachine() { replace(this); }

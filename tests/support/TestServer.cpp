@@ -204,11 +204,11 @@ void TestServer::play(const QString &path, const QByteArray &body, const QByteAr
         socket->abort();
 }
 
-qint64 TestServer::bodySentBytes() const
+qint64 TestServer::bodySentBytes(const QString &start) const
 {
     qint64 sum = 0;
     for (const Request &request : m_requests)
-        sum += request.bodySentBytes;
+        sum += request.path.startsWith(start) ? request.bodySentBytes : 0;
     return sum;
 }
 

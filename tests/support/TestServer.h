@@ -49,7 +49,8 @@ public:
     /// those that are open.
     void play(const QString &path, const QByteArray &body, const QByteArray &script);
     QList<Request> requests() const { return m_requests; }
-    qint64 bodySentBytes() const;
+    /// Of the answers for the paths that begin with @p start.
+    qint64 bodySentBytes(const QString &start = {}) const;
 
     QByteArray otherBody;
 

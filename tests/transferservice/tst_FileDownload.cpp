@@ -18,7 +18,7 @@ using std::chrono::milliseconds;
 
 constexpr int stopped = 0, finished = 3, failed = 4, anyNumber = -1;
 constexpr int size = 4'000'000, half = size / 2, once = size + size / 50;
-constexpr milliseconds shortStall(300), longStall(15'000);
+constexpr milliseconds shortStall(700), longStall(15'000);
 
 QByteArray randomBytes(quint32 seed)
 {
@@ -119,7 +119,7 @@ const Fault faults[] = {
     {"asks to wait", "status=429 Retry-After=1 then", finished, 2, 0, once},
     {"asks to wait for long", "status=429 Retry-After=600", failed, 1, 0, 0},
     {"never answers", "mute", failed, anyNumber, anyNumber, 0},
-    {"slow", "first=100 trickle=10 pause=50", finished, 1, 0, 100, body.left(100)},
+    {"slow", "first=160 trickle=10 pause=50", finished, 1, 0, 160, body.left(160)},
     {"empty", "first=0", finished, 1, 0, 0, ""},
     // Qt 5 may send the redirected request twice on a connection that stays open.
     {"redirected", "status=302 Location=/file Connection=close cut=0 then cut=2000000 then status=302 Location=/file Connection=close cut=0 then", finished, anyNumber, anyNumber, once},
@@ -283,7 +283,7 @@ private Q_SLOTS:
     /// Six at a time get a connection, so that the seventh waits for longer than two stalls.
     void doesNotTakeWaitingForAConnectionForAStall()
     {
-        World world("first=16 trickle=1 pause=50");
+        World world("first=30 trickle=1 pause=50");
         std::vector<std::unique_ptr<Download>> downloads;
         for (const char *name : {"1", "2", "3", "4", "5", "6", "7"}) {
             world.file = world.folder.filePath(name);
