@@ -20,15 +20,16 @@ public:
 
     static Type *get()
     {
-        std::uintptr_t word = s_word.load(std::memory_order_acquire);
-        if (word > beingMade)
-            return reinterpret_cast<Type *>(word);
-        word = nothingYet;
-        if (s_word.compare_exchange_strong(word, beingMade, std::memory_order_acquire))
-            return make();
-        while ((word = s_word.load(std::memory_order_acquire)) == beingMade)
+        while (true) {
+            std::uintptr_t word = s_word.load(std::memory_order_acquire);
+            if (word > beingMade)
+                return reinterpret_cast<Type *>(word);
+            // Who waits while the making fails has the next try.
+            if (word == nothingYet &&
+                s_word.compare_exchange_strong(word, beingMade, std::memory_order_acquire))
+                return make();
             std::this_thread::yield();
-        return reinterpret_cast<Type *>(word);
+        }
     }
 
 private:

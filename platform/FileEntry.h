@@ -32,10 +32,16 @@ inline EntryKind entryKind(const QString &absolutePath)
     return entryKind(toNative(absolutePath));
 }
 
+struct FolderEntry
+{
+    NativePath path; ///< with the folder's in front
+    EntryKind kind;  ///< as the folder told it; never Missing
+};
+
 struct FolderListing
 {
-    std::vector<NativePath> entries; ///< full paths, in the order of the file system
-    QString failure;                 ///< why the list is not whole; empty if it is
+    std::vector<FolderEntry> entries; ///< in the order of the file system
+    QString failure;                  ///< why the list is not whole; empty if it is
 };
 
 RIVETPLATFORM_EXPORT FolderListing listFolder(const NativePath &path);

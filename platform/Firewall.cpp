@@ -6,20 +6,14 @@ namespace platform {
 
 Firewall::~Firewall() = default;
 
-static Replaceable<const Firewall> &holder(const Firewall &system)
-{
-    static Replaceable<const Firewall> firewall(system);
-    return firewall;
-}
-
 const Firewall &Firewall::current()
 {
-    return holder(system()).current();
+    return Replaceable<const Firewall>::over(ofSystem()).current();
 }
 
 void Firewall::replace(const Firewall *other)
 {
-    holder(system()).replace(other);
+    Replaceable<const Firewall>::over(ofSystem()).replace(other);
 }
 
 } // namespace platform

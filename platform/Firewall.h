@@ -154,7 +154,8 @@ public:
     static void replace(const Firewall *other);
 
 private:
-    static const Firewall &system();
+    /// One implementation for each system.
+    static const Firewall &ofSystem();
 };
 
 } // namespace platform

@@ -6,20 +6,14 @@ namespace platform {
 
 FixedDrives::~FixedDrives() = default;
 
-static Replaceable<const FixedDrives> &holder(const FixedDrives &ofSystem)
-{
-    static Replaceable<const FixedDrives> inForce(ofSystem);
-    return inForce;
-}
-
 const FixedDrives &FixedDrives::current()
 {
-    return holder(ofSystem()).current();
+    return Replaceable<const FixedDrives>::over(ofSystem()).current();
 }
 
 void FixedDrives::replace(const FixedDrives *other)
 {
-    holder(ofSystem()).replace(other);
+    Replaceable<const FixedDrives>::over(ofSystem()).replace(other);
 }
 
 } // namespace platform

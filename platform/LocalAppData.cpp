@@ -6,20 +6,14 @@ namespace platform {
 
 LocalAppData::~LocalAppData() = default;
 
-static Replaceable<const LocalAppData> &holder(const LocalAppData &ofSystem)
-{
-    static Replaceable<const LocalAppData> inForce(ofSystem);
-    return inForce;
-}
-
 const LocalAppData &LocalAppData::current()
 {
-    return holder(ofSystem()).current();
+    return Replaceable<const LocalAppData>::over(ofSystem()).current();
 }
 
 void LocalAppData::replace(const LocalAppData *other)
 {
-    holder(ofSystem()).replace(other);
+    Replaceable<const LocalAppData>::over(ofSystem()).replace(other);
 }
 
 } // namespace platform

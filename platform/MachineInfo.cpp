@@ -20,8 +20,7 @@ public:
 Replaceable<const MachineInfo> &machine()
 {
     static const RealMachine real;
-    static Replaceable<const MachineInfo> holder(real);
-    return holder;
+    return Replaceable<const MachineInfo>::over(real);
 }
 
 } // namespace

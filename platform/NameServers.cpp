@@ -8,12 +8,6 @@ namespace platform {
 
 NameServers::~NameServers() = default;
 
-static Replaceable<const NameServers> &holder(const NameServers &ofSystem)
-{
-    static Replaceable<const NameServers> inForce(ofSystem);
-    return inForce;
-}
-
 QString NameServers::command(const QString &interfaceName, const QString &address)
 {
     // Both at once: the name of an interface may hold "%2".
@@ -34,12 +28,12 @@ void NameServers::run(const QString &command, std::chrono::milliseconds longest)
 
 const NameServers &NameServers::current()
 {
-    return holder(ofSystem()).current();
+    return Replaceable<const NameServers>::over(ofSystem()).current();
 }
 
 void NameServers::replace(const NameServers *other)
 {
-    holder(ofSystem()).replace(other);
+    Replaceable<const NameServers>::over(ofSystem()).replace(other);
 }
 
 } // namespace platform

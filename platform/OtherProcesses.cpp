@@ -6,20 +6,14 @@ namespace platform {
 
 OtherProcesses::~OtherProcesses() = default;
 
-static Replaceable<const OtherProcesses> &holder(const OtherProcesses &system)
-{
-    static Replaceable<const OtherProcesses> processes(system);
-    return processes;
-}
-
 const OtherProcesses &OtherProcesses::current()
 {
-    return holder(system()).current();
+    return Replaceable<const OtherProcesses>::over(ofSystem()).current();
 }
 
 void OtherProcesses::replace(const OtherProcesses *other)
 {
-    holder(system()).replace(other);
+    Replaceable<const OtherProcesses>::over(ofSystem()).replace(other);
 }
 
 } // namespace platform

@@ -41,7 +41,8 @@ public:
     static void replace(const OtherProcesses *other);
 
 private:
-    static const OtherProcesses &system();
+    /// One implementation for each system.
+    static const OtherProcesses &ofSystem();
 };
 
 } // namespace platform

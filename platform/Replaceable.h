@@ -4,11 +4,19 @@
 
 /// Holds the one implementation of a platform interface that is in force: the system's own, or
 /// the one that a test put in its place. Safe from any thread; owns nothing.
+///
+/// Used in the .cpp file of the interface only: a template that is compiled into two libraries
+/// would make two holders.
 template <typename Interface>
 class Replaceable
 {
 public:
-    explicit Replaceable(Interface &system) : m_system(system), m_current(&system) {}
+    /// The one holder; @p system, the same in each call, is in force at first.
+    static Replaceable &over(Interface &system)
+    {
+        static Replaceable holder(system);
+        return holder;
+    }
 
     Interface &current() const { return *m_current.load(std::memory_order_acquire); }
 
@@ -19,6 +27,8 @@ public:
     }
 
 private:
+    explicit Replaceable(Interface &system) : m_system(system), m_current(&system) {}
+
     Interface &m_system;
     std::atomic<Interface *> m_current;
 };

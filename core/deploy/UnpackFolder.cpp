@@ -50,8 +50,8 @@ bool removeLeftovers(const QString &deployDir)
     const auto listing =
         platform::listFolder(platform::toNative(QDir().absoluteFilePath(deployDir)));
     bool isClean = listing.failure.isEmpty();
-    for (const platform::NativePath &entry : listing.entries) {
-        const QString name = platform::fromNative(entry.filename());
+    for (const platform::FolderEntry &entry : listing.entries) {
+        const QString name = platform::fromNative(entry.path.filename());
         const QString folder = name.left(nameLength);
         const bool isLock = name.size() > nameLength;
         if (!isName(folder) || (isLock && name.mid(nameLength) != lockEnding))

@@ -34,12 +34,11 @@ bool isAnyJavaRunningFrom(const platform::NativePath &folder)
     static const QStringList programs{QStringLiteral("java"), QStringLiteral("java.exe"),
                                       QStringLiteral("javaw"), QStringLiteral("javaw.exe")};
     const auto entries = platform::listFolder(folder).entries;
-    return std::any_of(entries.begin(), entries.end(), [](const platform::NativePath &entry) {
-        const platform::EntryKind kind = platform::entryKind(entry);
-        if (kind == platform::EntryKind::Directory)
-            return isAnyJavaRunningFrom(entry);
-        const QString path = platform::fromNative(entry);
-        return kind == platform::EntryKind::File &&
+    return std::any_of(entries.begin(), entries.end(), [](const platform::FolderEntry &entry) {
+        if (entry.kind == platform::EntryKind::Directory)
+            return isAnyJavaRunningFrom(entry.path);
+        const QString path = platform::fromNative(entry.path);
+        return entry.kind == platform::EntryKind::File &&
                programs.contains(QFileInfo(path).fileName(), Qt::CaseInsensitive) &&
                platform::fileUse(path) == platform::FileUse::Held;
     });

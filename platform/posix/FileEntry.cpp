@@ -19,6 +19,15 @@ RenameOutcome failedRename()
     return errno == EXDEV ? RenameOutcome::OtherFileSystem : RenameOutcome::Failed;
 }
 
+/// Most file systems tell it with the name, which spares a look at each entry.
+EntryKind kindOf(const std::filesystem::directory_entry &entry)
+{
+    std::error_code ignored;
+    if (entry.is_symlink(ignored))
+        return EntryKind::Link;
+    return entry.is_directory(ignored) ? EntryKind::Directory : EntryKind::File;
+}
+
 } // namespace
 
 NativePath toNative(const QString &absolutePath)
@@ -49,7 +58,7 @@ FolderListing listFolder(const NativePath &path)
     std::error_code error;
     std::filesystem::directory_iterator it(path, error);
     for (; !error && it != std::filesystem::directory_iterator(); it.increment(error))
-        listing.entries.push_back(it->path());
+        listing.entries.push_back({it->path(), kindOf(*it)});
     if (error)
         listing.failure = qt_error_string(error.value());
     return listing;

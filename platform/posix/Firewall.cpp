@@ -35,7 +35,7 @@ public:
 
 } // namespace
 
-const Firewall &Firewall::system()
+const Firewall &Firewall::ofSystem()
 {
     static const NoFirewall firewall;
     return firewall;

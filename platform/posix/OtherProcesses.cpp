@@ -63,7 +63,7 @@ public:
 
 } // namespace
 
-const OtherProcesses &OtherProcesses::system()
+const OtherProcesses &OtherProcesses::ofSystem()
 {
     static const PosixProcesses processes;
     return processes;

@@ -34,6 +34,13 @@ bool isLink(const NativePath &path)
     return info.ReparseTag == 0 || IsReparseTagNameSurrogate(info.ReparseTag);
 }
 
+EntryKind kindOf(const NativePath &path, DWORD attributes)
+{
+    if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) && isLink(path))
+        return EntryKind::Link;
+    return attributes & FILE_ATTRIBUTE_DIRECTORY ? EntryKind::Directory : EntryKind::File;
+}
+
 bool isGone(DWORD error)
 {
     return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
@@ -110,9 +117,7 @@ EntryKind entryKind(const NativePath &path)
     const DWORD attributes = GetFileAttributesW(path.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES)
         return isGone(GetLastError()) ? EntryKind::Missing : EntryKind::File;
-    if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) && isLink(path))
-        return EntryKind::Link;
-    return attributes & FILE_ATTRIBUTE_DIRECTORY ? EntryKind::Directory : EntryKind::File;
+    return kindOf(path, attributes);
 }
 
 FolderListing listFolder(const NativePath &path)
@@ -123,8 +128,10 @@ FolderListing listFolder(const NativePath &path)
     DWORD error = search == INVALID_HANDLE_VALUE ? GetLastError() : ERROR_SUCCESS;
     while (error == ERROR_SUCCESS) {
         const std::wstring name = found.cFileName;
-        if (name != L"." && name != L"..")
-            listing.entries.emplace_back(path.native() + L"\\" + name);
+        if (name != L"." && name != L"..") {
+            const NativePath entry(path.native() + L"\\" + name);
+            listing.entries.push_back({entry, kindOf(entry, found.dwFileAttributes)});
+        }
         error = FindNextFileW(search, &found) ? ERROR_SUCCESS : GetLastError();
     }
     if (search != INVALID_HANDLE_VALUE)

@@ -259,7 +259,7 @@ public:
 
 } // namespace
 
-const Firewall &Firewall::system()
+const Firewall &Firewall::ofSystem()
 {
     static const WindowsFirewall firewall;
     return firewall;

@@ -35,12 +35,9 @@ void trimMemory()
 {
     for (const DWORD id : processIds()) {
         // Processes of other users and of the system refuse; they are left alone.
-        const HANDLE process =
-            OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_SET_QUOTA, FALSE, id);
-        if (!process)
-            continue;
-        EmptyWorkingSet(process);
-        CloseHandle(process);
+        const Handle process(OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_SET_QUOTA, FALSE, id));
+        if (process.isValid())
+            EmptyWorkingSet(process.get());
     }
 }
 

@@ -74,7 +74,7 @@ public:
 
 } // namespace
 
-const OtherProcesses &OtherProcesses::system()
+const OtherProcesses &OtherProcesses::ofSystem()
 {
     static const WindowsProcesses processes;
     return processes;

@@ -4,7 +4,6 @@
 #include <memory>
 #include <vector>
 
-#include <QByteArray>
 #include <QFile>
 #include <QString>
 

@@ -2,8 +2,6 @@
 
 #include <vector>
 
-#include <QString>
-
 #include "support/archivekit/ExtractionPlan.h"
 
 namespace archivekit {

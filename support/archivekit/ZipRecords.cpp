@@ -1,6 +1,7 @@
 #include "support/archivekit/ZipRecords.h"
 
-#include <limits>
+#include <algorithm>
+#include <utility>
 
 namespace archivekit {
 
@@ -9,7 +10,6 @@ namespace {
 // Signatures and lengths of the records' fixed parts.
 constexpr quint32 centralSignature = 0x02014b50;
 constexpr int centralBytes = 46;
-constexpr quint32 endSignature = 0x06054b50;
 constexpr int endBytes = 22;
 constexpr quint32 end64Signature = 0x06064b50;
 constexpr int end64Bytes = 56;
@@ -82,7 +82,6 @@ std::optional<DirectoryPlace> findDirectory(QFile &file)
     // Something behind the comment could be another end, which other readers would take.
     if (at < 0 || at + endBytes + numberAt<quint16>(*tail, at + 20) != bytes)
         return std::nullopt;
-    Q_ASSERT(numberAt<quint32>(*tail, at) == endSignature);
     const qint64 endOffset = file.size() - bytes + at;
     DirectoryPlace place{numberAt<quint32>(*tail, at + 16), numberAt<quint32>(*tail, at + 12),
                          numberAt<quint16>(*tail, at + 10)};
@@ -108,7 +107,6 @@ std::optional<CentralRecord> takeCentralRecord(const QByteArray &directory, int 
     record.madeBy = numberAt<quint16>(directory, place + 4);
     record.flags = numberAt<quint16>(directory, place + 8);
     record.method = numberAt<quint16>(directory, place + 10);
-    record.checksum = numberAt<quint32>(directory, place + 16);
     record.packedBytes = numberAt<quint32>(directory, place + 20);
     record.bytes = numberAt<quint32>(directory, place + 24);
     record.attributes = numberAt<quint32>(directory, place + 38);

@@ -36,7 +36,6 @@ struct CentralRecord
     quint16 madeBy = 0; ///< high byte: the system, 0 DOS, 3 Unix
     quint16 flags = 0;
     quint16 method = 0;
-    quint32 checksum = 0;
     qint64 packedBytes = 0;
     qint64 bytes = 0;
     quint32 attributes = 0;

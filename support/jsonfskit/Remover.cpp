@@ -121,8 +121,6 @@ void Remover::keep(const QString &folder, const QStringList &exclude)
 /// A link on the way to a kept path stays too, for without it the path would be gone.
 bool Remover::isKept(const NativePath &path, EntryKind kind) const
 {
-    if (m_kept.isEmpty())
-        return false;
     const QString name = platform::comparableName(platform::fromNative(path));
     return m_kept.contains(name) || (kind == EntryKind::Link && m_keptAbove.contains(name));
 }
@@ -137,10 +135,14 @@ bool Remover::removeContent(const NativePath &folder, ClearScope scope)
     bool isEmpty = listing.failure.isEmpty();
     if (!isEmpty)
         fail(platform::fromNative(folder), listing.failure);
-    for (const NativePath &entry : listing.entries) {
-        const EntryKind kind = platform::entryKind(entry);
+    const bool holdsKept =
+        m_keptAbove.contains(platform::comparableName(platform::fromNative(folder)));
+    for (const auto &[path, listedKind] : listing.entries) {
+        // What was a folder may be a link by now, and is looked at before it is entered.
+        const EntryKind kind =
+            listedKind == EntryKind::Directory ? platform::entryKind(path) : listedKind;
         const bool outOfScope = scope == ClearScope::DirectFiles && kind == EntryKind::Directory;
-        if (outOfScope || isKept(entry, kind) || !removeAny(entry, kind))
+        if (outOfScope || (holdsKept && isKept(path, kind)) || !removeAny(path, kind))
             isEmpty = false;
     }
     return isEmpty;

@@ -30,7 +30,7 @@ private:
     void fail(const QString &path, const QString &why);
 
     QSet<QString> m_kept;      ///< comparable absolute paths that stay
-    QSet<QString> m_keptAbove; ///< the folders above them
+    QSet<QString> m_keptAbove; ///< the folders above them, up to the cleared one
     std::chrono::milliseconds m_waited{0};
     RemovalResult m_result;
 };

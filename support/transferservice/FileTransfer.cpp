@@ -234,7 +234,8 @@ void FileTransfer::syncPart()
         if (*isSynced)
             return completePart();
         Log::warning(QLatin1String("download: the disk did not take ") + m_copy.partPath());
-        end(m_copy.dropPart() && false);
+        (void)m_copy.dropPart(); // a failure is on the log too
+        end(false);
     });
     connect(thread, &QThread::finished, thread, &QObject::deleteLater);
     thread->start();
