@@ -6,6 +6,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QNetworkReply>
+#include <QPointer>
 #include <QStringBuilder>
 
 #include "base/LazySingleton.h"
@@ -114,9 +115,8 @@ void RivetLoginHost::Cancel()
 
 void RivetLoginHost::LogOut()
 {
-    RivetUserProfile::GetInstance()->resetCurrentProfile();
-    updateLoginstatus(LoginStatusLoggedOut);
-    Q_EMIT logouted();
+    if (moveToLoggedOut())
+        Q_EMIT logouted();
 }
 
 // The reply leaves its place before any signal goes out: a slot may start the next login.
@@ -138,19 +138,17 @@ void RivetLoginHost::takeError(const QNetworkReply &reply, bool isCancelled)
     const QString userName = reply.property(userNameProperty).toString();
     const auto *what = isCancelled ? "network operation canceled, " : "network error, ";
     Log::warning(QLatin1String(what) % ServiceRequest::errorTextOf(reply));
-    backToLoggedOut();
-    if (isCancelled)
+    if (!isCancelled)
+        fail(userName, tr("network error"));
+    else if (moveToLoggedOut())
         Q_EMIT canceled(userName);
-    else
-        Q_EMIT loginFailed(userName, tr("network error"));
 }
 
 void RivetLoginHost::takeAnswer(const QString &userName, const QByteArray &body)
 {
     const QJsonDocument document = QJsonDocument::fromJson(body);
     if (document.isEmpty()) {
-        backToLoggedOut();
-        Q_EMIT loginFailed(userName, tr("internal error"));
+        fail(userName, tr("internal error"));
         return;
     }
     RivetUserProfile *profile = RivetUserProfile::GetInstance();
@@ -161,14 +159,17 @@ void RivetLoginHost::takeAnswer(const QString &userName, const QByteArray &body)
     }
     const QByteArray answer = QJsonDocument(document.object()).toJson(QJsonDocument::Compact);
     Log::critical(QLatin1String("invalid user profile:") % QString::fromUtf8(answer));
-    backToLoggedOut();
-    Q_EMIT loginFailed(userName, tr("invalid user name or password"));
+    fail(userName, tr("invalid user name or password"));
 }
 
 void RivetLoginHost::succeed(const QString &userName)
 {
-    updateLoginstatus(LoginStatusLoggedIn);
+    if (!moveTo(LoginStatusLoggedIn))
+        return;
+    const QPointer<RivetLoginHost> self(this); // a slot may end the core
     Q_EMIT loginSuccess(m_loginPageInfo, userName);
+    if (!self)
+        return;
     RivetUserLoginInfoHelper::GetInstance()->ApplyUpdatedLoginInfo(userName);
     if (m_eventCollector)
         m_eventCollector->CollectEvent(1, 0, 0);
@@ -177,10 +178,23 @@ void RivetLoginHost::succeed(const QString &userName)
                                      QStringLiteral("0"));
 }
 
-void RivetLoginHost::backToLoggedOut()
+void RivetLoginHost::fail(const QString &userName, const QString &reason)
+{
+    if (moveToLoggedOut())
+        Q_EMIT loginFailed(userName, reason);
+}
+
+bool RivetLoginHost::moveToLoggedOut()
 {
     RivetUserProfile::GetInstance()->resetCurrentProfile();
-    updateLoginstatus(LoginStatusLoggedOut);
+    return moveTo(LoginStatusLoggedOut);
+}
+
+bool RivetLoginHost::moveTo(LoginStatus status)
+{
+    const QPointer<RivetLoginHost> self(this);
+    updateLoginstatus(status);
+    return !self.isNull();
 }
 
 std::shared_ptr<RivetUserSecurityLoginInfo>

@@ -19,7 +19,8 @@ class LazySingleton;
 ///
 /// A singleton until the at-exit manager runs. Main thread only. One login is in flight at most; a
 /// user who is logged in has to log out before the next login is taken. An accepted login fills
-/// RivetUserProfile and, once loginSuccess() has gone out, the stored logins.
+/// RivetUserProfile and, once loginSuccess() has gone out, the stored logins. A slot of any signal
+/// may end the core.
 class RIVETCORE_EXPORT RivetLoginHost : public QObject
 {
     Q_OBJECT
@@ -84,7 +85,10 @@ private:
     void takeError(const QNetworkReply &reply, bool isCancelled);
     void takeAnswer(const QString &userName, const QByteArray &body);
     void succeed(const QString &userName);
-    void backToLoggedOut();
+    void fail(const QString &userName, const QString &reason);
+    /// False if a slot of loginStatusChanged() has ended the core, and this object with it.
+    [[nodiscard]] bool moveTo(LoginStatus status);
+    [[nodiscard]] bool moveToLoggedOut(); ///< the same, and forgets the profile
 
     QNetworkReply *m_currentReply = nullptr; ///< owned by the manager
     std::shared_ptr<QNetworkAccessManager> m_manager;

@@ -5,7 +5,6 @@
 #include <QCryptographicHash>
 #include <QDir>
 #include <QStringBuilder>
-#include <QVector>
 
 #include "platform/FileEntry.h"
 #include "support/jsonfskit/FileNames.h"

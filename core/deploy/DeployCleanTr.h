@@ -11,6 +11,9 @@
 ///
 /// Made by DeployCleanTrFacotry, initialised, run once, deleted by its caller. Not beside
 /// deployments of the same history.
+///
+/// Each unwanted record leaves the disk by a save of its own, before its files go: whatever ends
+/// the process meanwhile may leave files that no record claims, but no record without its files.
 class RIVETCORE_EXPORT DeployCleanTr
 {
 public:

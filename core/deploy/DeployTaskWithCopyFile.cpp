@@ -1,6 +1,5 @@
 #include "core/deploy/DeployTaskWithCopyFile.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 

@@ -2,7 +2,6 @@
 
 #include <optional>
 
-#include <QByteArray>
 #include <QString>
 
 /// What a record says of one file in a deploy folder. Any thread.

@@ -40,6 +40,8 @@ struct Run final : CoreRun, IEventCollect, IEventReportEx
     {
         QObject::connect(&object, signal, [this, word](const auto &...values) {
             journal << QStringList({word, QVariant(values).toString()...}).join(',');
+            if (journal.join(' ') == lastWords)
+                core.reset();
         });
     }
     void CollectEvent(int a, int, int) override { journal << QString::number(a); }
@@ -54,6 +56,7 @@ struct Run final : CoreRun, IEventCollect, IEventReportEx
     RivetUserRegister &registration = *RivetUserRegister::GetInstance();
     RivetUserProfile &profile = *RivetUserProfile::GetInstance();
     QStringList journal;
+    QString lastWords; ///< the journal at whose end a slot ends the core
 };
 
 void perform(Run &run, const QString &action)
@@ -139,6 +142,18 @@ private Q_SLOTS:
         QVERIFY(lines.contains("user b\nnetwork error, Error transferring http"));
         for (const char *taboo : {"secret", "5ebe2294", "KeepPw", "4aa318", "tok3n", "c00kie", "?"})
             QVERIFY2(!lines.contains(taboo), qPrintable(lines));
+    }
+
+    void slotsMayEndTheCore()
+    {
+        for (const QString words : {"s,0,2 s,2,1", "s,0,2 s,2,3", "s,0,2 s,2,3 ok,page,b"}) {
+            Run run;
+            run.lastWords = words;
+            run.server.play("/account/login", words.contains("2,3") ? answer : "", "");
+            run.logIn();
+            QVERIFY(await([&] { return !run.core; }));
+            QCOMPARE(run.journal.join(' '), words);
+        }
     }
 
     void profileOfTheUser()
