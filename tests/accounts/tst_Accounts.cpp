@@ -114,7 +114,8 @@ private Q_SLOTS:
             "new,a,p,c end,1||{'code':0}|{'msg':'m'}|no,a,m|2",
             "new,a,p,c end,1||{}||no,a,internal error|1",
             "new,a,p,c end,1||{'code':0}||no,a,network error|2",
-            "new,a,p,c new,b,p,c end,2|trickle=1 then|{'code':0}|{'code':0}|ok,b ok,a|4"};
+            "new,a,p,c sent new,b,p,c end,2|trickle=1 pause=50 then|{'code':0}|{'code':0}|ok,b "
+            "ok,a|4"};
         const LogCapture log;
         for (const char *row : rows) {
             const QString text = QString(row).replace("'", "\"").replace("=|", answer + "|");

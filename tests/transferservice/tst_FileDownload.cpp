@@ -202,12 +202,15 @@ private Q_SLOTS:
         child.kill();
         QVERIFY(child.waitForFinished());
         QVERIFY(world.content() == "absent");
+        // A slow reader leaves some behind, on its way to it.
+        const qint64 sentBytes = world.server.bodySentBytes();
         Download download(world);
-        QVERIFY(download.GetCurDownloadedSize() > quint64(half - once + size));
+        const auto keptBytes = qint64(download.GetCurDownloadedSize());
+        QVERIFY(keptBytes > half / 2);
         QCOMPARE(download.GetTotalFileSize(), quint64(size));
         QCOMPARE(download.run(), finished);
         QVERIFY(world.content() == body);
-        QVERIFY(world.server.bodySentBytes() <= once);
+        QVERIFY(world.server.bodySentBytes() - sentBytes <= once - keptBytes);
     }
 
     /// The disk seems full to a process that may only write small files.
