@@ -15,8 +15,7 @@ QString lockFile(const QString &name)
 {
     const QString folder = FSH::localAppDataPath() % QLatin1String("/running");
     // Where it can't be made there is no lock to be had, as the caller finds.
-    const bool isMade = FS::makeFolder(folder);
-    Q_UNUSED(isMade)
+    (void)FS::makeFolder(folder);
     return folder % QLatin1Char('/') % name;
 }
 

@@ -1,3 +1,6 @@
+#include <optional>
+#include <utility>
+
 #include <QDir>
 #include <QDirIterator>
 #include <QFileInfo>
@@ -5,9 +8,7 @@
 #include <QNetworkInterface>
 #include <QThreadPool>
 
-#include "core/foundation/Environment.h"
 #include "core/foundation/FSH.h"
-#include "core/foundation/MCSettings.h"
 #include "core/repair/CWinFirewallControl.h"
 #include "core/repair/DnsHelper.h"
 #include "core/repair/QuickRepairTask.h"
@@ -22,7 +23,6 @@
 #include "host/Interrupts.h"
 #include "host/Text.h"
 #include "platform/Terminal.h"
-#include "support/coresupport/DirectoryNames.h"
 
 namespace {
 
@@ -83,25 +83,16 @@ ExitCode run(Host &host, TaskAbstract &task, OnInterrupt onInterrupt = OnInterru
     return ExitGood;
 }
 
-QString setting(const char *key)
-{
-    return Environment::GetInstance()->settings()->value(QLatin1String(key), {}).toString();
-}
-
 // --- Java and the choice of resources ------------------------------------------------------------
 
 /// A Java of the user's own leaves the deployed one where it is.
 void tellOfJava(Host &host)
 {
-    const QFileInfo chosen(setting("JavaPath"));
-    const QString folder = QDir::cleanPath(FSH::gameDataAbsolutePath() % QLatin1Char('/') %
-                                           QLatin1String(g_deploypath_java_name));
-    const bool hasOwn = chosen.isFile() && chosen.fileName().compare(QLatin1String("javaw.exe"),
-                                                                     Qt::CaseInsensitive) == 0;
-    const bool goes = !hasOwn && QFileInfo(folder).isDir();
-    host.output().line(goes ? Text::tr("goes: %1").arg(QDir::toNativeSeparators(folder))
-                            : Text::tr("no deployed Java goes"),
-                       {{QStringLiteral("goes"), goes ? folder : QString()}});
+    const QString folder = RepairJavaEnvTask::folderToRemove();
+    host.output().line(folder.isEmpty()
+                           ? Text::tr("no deployed Java goes")
+                           : Text::tr("goes: %1").arg(QDir::toNativeSeparators(folder)),
+                       {{QStringLiteral("goes"), folder}});
     host.output().line(Text::tr("goes back to the default: JavaPath, JavaParam"),
                        {{QStringLiteral("reset"), QStringLiteral("JavaPath JavaParam")}});
 }

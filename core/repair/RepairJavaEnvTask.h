@@ -20,12 +20,14 @@ public:
     explicit RepairJavaEnvTask(QObject *parent = nullptr);
     ~RepairJavaEnvTask() override;
 
+    /// The directory of the deployed Java, which a run would remove; empty if there is none or it
+    /// has to stay.
+    static QString folderToRemove();
+
 protected:
     void onTaskRun() override;
 
 private:
-    /// The directory of the deployed Java; empty if there is none or it has to stay.
-    static QString folderToRemove();
     /// Removes @p folder, if any, and puts the settings back. False if somebody holds what is in
     /// the folder. Blocks; any thread.
     static bool repairJavaEnv(const QString &folder);

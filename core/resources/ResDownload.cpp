@@ -11,7 +11,7 @@ ResDownload::ResDownload(uint id, ResType type, const QUrl &url, QObject *parent
     m_url = url;
     m_directory = FSH::resourceDownloadDir(m_type);
     // Tried again by the transfer, which tells a failure.
-    static_cast<void>(FS::makeFolder(m_directory));
+    (void)FS::makeFolder(m_directory);
     m_filePath = m_directory % QDir::separator() % QString::number(m_id);
 }
 

@@ -14,8 +14,8 @@ class FileTransfer;
 /// When a transfer counts as stalled, and how it is tried again.
 struct TransferTiming
 {
-    std::chrono::milliseconds stall =
-        std::chrono::seconds(30);              ///< without a byte for so long is a fault
+    /// Without a byte for so long is a fault.
+    std::chrono::milliseconds stall = std::chrono::seconds(30);
     std::chrono::milliseconds firstPause{500}; ///< before the next try; doubled each time
     std::chrono::milliseconds longestPause = std::chrono::seconds(16);
     /// A server that sends us away for longer than this fails the transfer.
